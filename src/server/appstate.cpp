@@ -1,0 +1,85 @@
+#include "appstate.h"
+
+#include "keychain.h"
+
+#include <QSettings>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString serverURLKey = u"serverURL"_s;
+const QString usernameKey = u"username"_s;
+const QString authMethodKey = u"authMethod"_s; // present only for the legacy form
+const QString legacyAuthValue = u"legacyPassword"_s;
+}
+
+AppState::AppState(QSettings *settings, QNetworkAccessManager *network, QObject *parent)
+    : QObject(parent)
+    , m_settings(settings)
+    , m_network(network)
+{
+    restoreSession();
+}
+
+// No ping here on purpose: Velto opens on what it holds even when the server is away, and a changed password
+// shows up with the first real request.
+void AppState::restoreSession()
+{
+    const QString urlText = m_settings->value(serverURLKey).toString();
+    if (urlText.isEmpty())
+        return;
+    const QUrl url(urlText, QUrl::StrictMode);
+    if (!url.isValid() || url.host().isEmpty())
+        return;
+    const QString username = m_settings->value(usernameKey).toString();
+    if (!m_settings->contains(usernameKey))
+        return;
+    const std::optional<QString> password = Keychain::password(username + u'@' + urlText);
+    if (!password)
+        return;
+    const AuthMethod authMethod =
+        m_settings->value(authMethodKey).toString() == legacyAuthValue ? AuthMethod::LegacyPassword : AuthMethod::Token;
+    setClient(SubsonicClient(ServerConfig{url, username, *password, authMethod}, m_network));
+}
+
+QCoro::Task<> AppState::connect(QString urlString, QString username, QString password, AuthMethod authMethod)
+{
+    const std::optional<QUrl> url = normalizeServerURL(urlString);
+    if (!url)
+        throw SubsonicError::invalidResponse();
+    const SubsonicClient client(ServerConfig{*url, username, password, authMethod}, m_network);
+    QPointer<AppState> self(this);
+    co_await client.ping();
+    if (!self)
+        co_return;
+
+    m_settings->setValue(serverURLKey, url->toString(QUrl::FullyEncoded));
+    m_settings->setValue(usernameKey, username);
+    if (authMethod == AuthMethod::LegacyPassword)
+        m_settings->setValue(authMethodKey, legacyAuthValue);
+    else
+        m_settings->remove(authMethodKey);
+    m_settings->sync();
+    Keychain::save(password, serverKey(client.config()));
+    setClient(client);
+}
+
+void AppState::logout()
+{
+    // The key comes from the saved defaults, not the client, so it removes what a later start would restore.
+    if (m_settings->contains(serverURLKey) && m_settings->contains(usernameKey)) {
+        Keychain::deletePassword(m_settings->value(usernameKey).toString() + u'@'
+                                 + m_settings->value(serverURLKey).toString());
+    }
+    m_settings->remove(serverURLKey);
+    m_settings->remove(usernameKey);
+    m_settings->remove(authMethodKey);
+    m_settings->sync();
+    setClient(std::nullopt);
+}
+
+void AppState::setClient(std::optional<SubsonicClient> client)
+{
+    m_client = std::move(client);
+    Q_EMIT clientChanged();
+}

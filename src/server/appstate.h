@@ -1,0 +1,42 @@
+#pragma once
+
+// The signed-in account: whether there is one, its client, and the stores that belong to it. One per process,
+// on the main thread. The saved account is restored in the constructor, before any window shows.
+
+#include "subsonicclient.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <optional>
+
+class QSettings;
+
+class AppState : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool signedIn READ isSignedIn NOTIFY clientChanged)
+
+public:
+    // `settings` holds the saved account; `network` is handed to every client (the shared manager when null).
+    explicit AppState(QSettings *settings, QNetworkAccessManager *network = nullptr, QObject *parent = nullptr);
+
+    [[nodiscard]] bool isSignedIn() const { return m_client.has_value(); }
+    [[nodiscard]] const std::optional<SubsonicClient> &client() const { return m_client; }
+
+    // Proves the account with a ping, then saves and adopts it. Throws what the ping threw and changes nothing.
+    QCoro::Task<> connect(QString urlString, QString username, QString password,
+                          AuthMethod authMethod = AuthMethod::Token);
+    void logout();
+
+Q_SIGNALS:
+    void clientChanged();
+
+private:
+    void restoreSession();
+    void setClient(std::optional<SubsonicClient> client);
+
+    QSettings *m_settings;
+    QNetworkAccessManager *m_network;
+    std::optional<SubsonicClient> m_client;
+};

@@ -1,0 +1,162 @@
+#include "subsonicclient.h"
+
+#include "networkaccess.h"
+#include "transporterror.h"
+
+#include <QCoroNetworkReply>
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QRandomGenerator>
+
+using namespace Qt::StringLiterals;
+
+SubsonicClient::SubsonicClient(ServerConfig config, QNetworkAccessManager *network)
+    : m_config(std::move(config))
+    , m_network(network ? network : sharedNetworkAccess())
+{
+}
+
+QString SubsonicClient::makeSalt(int length)
+{
+    Q_ASSERT(length >= 0);
+    static constexpr char alphabet[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+    constexpr quint64 size = sizeof(alphabet) - 1;
+    // Lemire's multiply-and-reject: the high half of x * 36 is the index, and draws whose low half falls under
+    // 2^64 mod 36 are thrown away, so every character is equally likely.
+    constexpr quint64 threshold = (0 - size) % size;
+    QString salt;
+    salt.reserve(length);
+    auto *random = QRandomGenerator::system();
+    while (salt.size() < length) {
+        const unsigned __int128 product = static_cast<unsigned __int128>(random->generate64()) * size;
+        if (static_cast<quint64>(product) < threshold)
+            continue;
+        salt.append(QLatin1Char(alphabet[static_cast<quint64>(product >> 64)]));
+    }
+    return salt;
+}
+
+QString SubsonicClient::token(const QString &password, const QString &salt)
+{
+    return QString::fromLatin1(QCryptographicHash::hash((password + salt).toUtf8(), QCryptographicHash::Md5).toHex());
+}
+
+QUrl SubsonicClient::url(const QString &endpoint, const QList<QueryItem> &params) const
+{
+    QUrl url = m_config.baseURL;
+    url.setPath(url.path(QUrl::FullyEncoded) + u"/rest/"_s + endpoint, QUrl::TolerantMode);
+
+    QList<QueryItem> items;
+    items.reserve(params.size() + 6);
+    items.append({u"u"_s, m_config.username});
+    if (m_config.authMethod == AuthMethod::LegacyPassword) {
+        items.append({u"p"_s, u"enc:"_s + QString::fromLatin1(m_config.password.toUtf8().toHex())});
+    } else {
+        const QString salt = makeSalt(12);
+        items.append({u"t"_s, token(m_config.password, salt)});
+        items.append({u"s"_s, salt});
+    }
+    items.append({u"v"_s, u"1.16.1"_s});
+    items.append({u"c"_s, u"Velto"_s});
+    items.append({u"f"_s, u"json"_s});
+    items.append(params);
+
+    // Everything but the unreserved characters is escaped, '+' included, which servers would read as a blank.
+    QByteArray query;
+    for (const auto &[name, value] : std::as_const(items)) {
+        if (!query.isEmpty())
+            query += '&';
+        query += QUrl::toPercentEncoding(name) + '=' + QUrl::toPercentEncoding(value);
+    }
+    url.setQuery(QString::fromLatin1(query), QUrl::StrictMode);
+    if (!url.isValid())
+        qFatal("A URL built from a normalised server address is invalid");
+    return url;
+}
+
+ResponseEnvelope SubsonicClient::decodeEnvelope(const QByteArray &body)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(body, &parseError);
+    if (parseError.error != QJsonParseError::NoError || !document.isObject())
+        throw SubsonicError::invalidResponse();
+
+    QString status;
+    std::optional<qint64> errorCode;
+    std::optional<QString> errorMessage;
+    ResponseEnvelope envelope;
+    try {
+        envelope.body = Json::requiredObject(document.object(), "subsonic-response"_L1);
+        status = Json::requiredString(envelope.body, "status"_L1);
+        const QJsonValue error = envelope.body.value("error"_L1);
+        if (!error.isUndefined() && !error.isNull()) {
+            const QJsonObject detail = Json::asObject(error);
+            errorCode = Json::requiredInt(detail, "code"_L1);
+            errorMessage = Json::optionalString(detail, "message"_L1);
+        }
+        envelope.apiVersion = Json::optionalString(envelope.body, "version"_L1).value_or(QString());
+    } catch (const Json::DecodeError &) {
+        throw SubsonicError::invalidResponse();
+    }
+    if (status != "ok"_L1)
+        throw SubsonicError::server(errorCode.value_or(-1), errorMessage.value_or(u"Unknown server error"_s));
+    return envelope;
+}
+
+QCoro::Task<ResponseEnvelope> SubsonicClient::requestEnvelope(QString endpoint, QList<QueryItem> params,
+                                                              CancelToken token) const
+{
+    const QByteArray body = co_await fetch(url(endpoint, params), token);
+    co_return decodeEnvelope(body);
+}
+
+namespace {
+// Failures that happen before any HTTP status exists; they carry no answer to read.
+bool isTransportFailure(QNetworkReply::NetworkError error)
+{
+    return error > QNetworkReply::NoError && error < QNetworkReply::ContentAccessDenied;
+}
+}
+
+QCoro::Task<QByteArray> SubsonicClient::fetch(QUrl url, CancelToken token) const
+{
+    if (token.isCancelled())
+        throw TaskCancelled{};
+    QNetworkReply *reply = m_network->get(QNetworkRequest(url));
+    token.track(reply);
+    auto tooLarge = std::make_shared<bool>(false);
+    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply, tooLarge](qint64 received, qint64 total) {
+        if (received > maxAnswerBytes || total > maxAnswerBytes) {
+            *tooLarge = true;
+            reply->abort();
+        }
+    });
+
+    co_await qCoro(reply).waitForFinished();
+    token.untrack(reply);
+    reply->deleteLater();
+
+    if (token.isCancelled())
+        throw TaskCancelled{};
+    if (*tooLarge)
+        throw SubsonicError::invalidResponse();
+
+    const QNetworkReply::NetworkError error = reply->error();
+    if (isTransportFailure(error)) {
+        // Qt reports its own transfer time-out as a cancellation; ours was ruled out above.
+        const auto code = error == QNetworkReply::OperationCanceledError ? QNetworkReply::TimeoutError : error;
+        throw TransportError(code);
+    }
+    const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (!status.isValid()) {
+        if (error == QNetworkReply::ProtocolFailure || error == QNetworkReply::NoError)
+            throw SubsonicError::invalidResponse();
+        throw TransportError(error);
+    }
+    const int httpStatus = status.toInt();
+    if (httpStatus < 200 || httpStatus > 299)
+        throw SubsonicError::http(httpStatus);
+    co_return reply->readAll();
+}
