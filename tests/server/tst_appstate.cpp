@@ -1,0 +1,148 @@
+#include "awaittask.h"
+#include "fakesubsonicserver.h"
+#include "server/appstate.h"
+#include "server/keychain.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class AppStateTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir dir;
+    std::unique_ptr<FakeSubsonicServer> server;
+    std::unique_ptr<QSettings> settings;
+    const QString password = u"pa ss+wörd"_s;
+
+    QString account() const { return u"alice@"_s + server->baseURL().toString(); }
+
+    void expectSignedOutAndUnsaved(const AppState &state)
+    {
+        QVERIFY(!state.isSignedIn());
+        QVERIFY(!settings->contains(u"serverURL"_s));
+        QVERIFY(!settings->contains(u"username"_s));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        server = std::make_unique<FakeSubsonicServer>();
+        server->on(u"ping"_s, [this](const RecordedRequest &request) {
+            const QString expected = SubsonicClient::token(password, request.value(u"s"_s));
+            if (request.value(u"u"_s) == u"alice"_s && request.value(u"t"_s) == expected)
+                return FakeSubsonicServer::json({});
+            return FakeResponse{.body = FakeSubsonicServer::failed(40, u"Wrong username or password"_s)};
+        });
+        settings = std::make_unique<QSettings>(dir.filePath(u"settings.ini"_s), QSettings::IniFormat);
+        settings->clear();
+    }
+
+    void normalizesTypedAddresses_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("bare host") << u"music.example.org"_s << u"https://music.example.org"_s;
+        QTest::newRow("http kept") << u"  http://192.168.1.5:4533/  "_s << u"http://192.168.1.5:4533"_s;
+        QTest::newRow("path kept") << u"https://example.org/navidrome///"_s << u"https://example.org/navidrome"_s;
+        QTest::newRow("port, no scheme") << u"nas.local:4533"_s << u"https://nas.local:4533"_s;
+        QTest::newRow("other scheme") << u"ftp://example.org"_s << u"ftp://example.org"_s;
+        QTest::newRow("blank") << u"   "_s << QString();
+        QTest::newRow("empty") << QString() << QString();
+        QTest::newRow("no host") << u"://"_s << QString();
+    }
+
+    void normalizesTypedAddresses()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, expected);
+        const std::optional<QUrl> url = normalizeServerURL(typed);
+        QCOMPARE(url ? url->toString() : QString(), expected);
+    }
+
+    void connectSavesAccountAndNextStartRestoresItWithoutPing()
+    {
+        {
+            AppState state(settings.get());
+            QVERIFY(!state.isSignedIn());
+            QSignalSpy changed(&state, &AppState::clientChanged);
+            awaitTask(state.connect(server->baseURL().toString() + u"/"_s, u"alice"_s, password));
+            QVERIFY(state.isSignedIn());
+            QCOMPARE(changed.count(), 1);
+            QCOMPARE(state.client()->config().baseURL, server->baseURL());
+            QCOMPARE(settings->value(u"serverURL"_s).toString(), server->baseURL().toString());
+            QCOMPARE(settings->value(u"username"_s).toString(), u"alice"_s);
+        }
+        QCOMPARE(Keychain::password(account()), password);
+        QFile file(settings->fileName());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(!QString::fromUtf8(file.readAll()).contains(u"wörd"_s));
+
+        const int pings = server->count(u"ping"_s);
+        AppState restored(settings.get());
+        QVERIFY(restored.isSignedIn());
+        QCOMPARE(restored.client()->config().password, password);
+        QCOMPARE(restored.client()->config().username, u"alice"_s);
+        QCOMPARE(server->count(u"ping"_s), pings);
+    }
+
+    void failedConnectChangesNothing()
+    {
+        AppState state(settings.get());
+        const auto wrong = awaitFailure<SubsonicError>(state.connect(server->baseURL().toString(), u"alice"_s, u"x"_s));
+        QVERIFY(wrong);
+        QCOMPARE(wrong->description(), u"Wrong username or password."_s);
+        expectSignedOutAndUnsaved(state);
+        QCOMPARE(Keychain::password(account()), std::nullopt);
+
+        const auto noHost = awaitFailure<SubsonicError>(state.connect(u"  "_s, u"alice"_s, password));
+        QCOMPARE(noHost, SubsonicError::invalidResponse());
+        expectSignedOutAndUnsaved(state);
+    }
+
+    void aSavedAccountWithoutItsPasswordStartsSignedOut()
+    {
+        settings->setValue(u"serverURL"_s, server->baseURL().toString());
+        settings->setValue(u"username"_s, u"nobody"_s);
+        AppState state(settings.get());
+        QVERIFY(!state.isSignedIn());
+        QVERIFY(settings->contains(u"serverURL"_s));
+    }
+
+    void reconnectReplacesThePasswordAndLogoutRemovesIt()
+    {
+        AppState state(settings.get());
+        Keychain::save(u"stale"_s, account());
+        awaitTask(state.connect(server->baseURL().toString(), u"alice"_s, password));
+        QCOMPARE(Keychain::password(account()), password);
+
+        QSignalSpy changed(&state, &AppState::clientChanged);
+        state.logout();
+        QCOMPARE(changed.count(), 1);
+        expectSignedOutAndUnsaved(state);
+        QCOMPARE(Keychain::password(account()), std::nullopt);
+        QVERIFY(!AppState(settings.get()).isSignedIn());
+    }
+
+    void legacyAuthenticationSurvivesARestart()
+    {
+        server->on(u"ping"_s, FakeSubsonicServer::json({}));
+        {
+            AppState state(settings.get());
+            awaitTask(state.connect(server->baseURL().toString(), u"alice"_s, password, AuthMethod::LegacyPassword));
+        }
+        AppState restored(settings.get());
+        QVERIFY(restored.isSignedIn());
+        QCOMPARE(restored.client()->config().authMethod, AuthMethod::LegacyPassword);
+        restored.logout();
+        QVERIFY(!settings->contains(u"authMethod"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(AppStateTest)
+#include "tst_appstate.moc"
