@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Builds in Release and prints every benchmark figure, one per line: "name value unit".
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bash scripts/deps.sh >&2
+build=build-release
+if [ ! -f "$build/build.ninja" ]; then
+  cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELTO_BUILD_TESTS=OFF >&2
+fi
+cmake --build "$build" >&2
+export QT_QPA_PLATFORM=offscreen
+for bench in "$build"/bench/bench_*; do
+  [ -x "$bench" ] && "$bench"
+done
