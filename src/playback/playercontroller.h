@@ -1,0 +1,162 @@
+#pragma once
+
+// Owns what is playing: the queue, the place in it, the order to return to when shuffle goes off, the repeat
+// mode and where the queue came from. It keeps the audio engine holding the current song and the next one.
+// One instance lives as long as the application; every method runs on the main thread.
+
+#include "audioengine.h"
+#include "common/task.h"
+#include "playbacksource.h"
+#include "repeatmode.h"
+#include "server/records.h"
+#include "server/subsonicclient.h"
+
+#include <QList>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <random>
+#include <vector>
+
+// Where playAlbum starts the album once its songs are in.
+struct AlbumStart {
+    qsizetype startingAt = 0;
+    bool shuffled = false;
+};
+
+// Where playAlbumNext puts the album's songs.
+enum class QueuePlacement { Next, Last };
+
+class PlayerController : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QList<Song> queue READ queue NOTIFY queueChanged)
+    Q_PROPERTY(std::optional<qsizetype> currentIndex READ currentIndex NOTIFY currentIndexChanged)
+    Q_PROPERTY(std::optional<PlaybackSource> source READ source NOTIFY sourceChanged)
+    Q_PROPERTY(bool isPlaying READ isPlaying NOTIFY isPlayingChanged)
+    Q_PROPERTY(double currentTime READ currentTime NOTIFY currentTimeChanged)
+    Q_PROPERTY(bool isShuffling READ isShuffling NOTIFY isShufflingChanged)
+    Q_PROPERTY(RepeatMode repeatMode READ repeatMode WRITE setRepeatMode NOTIFY repeatModeChanged)
+    Q_PROPERTY(float volume READ volume WRITE setVolume NOTIFY volumeChanged)
+    Q_PROPERTY(std::optional<Song> currentSong READ currentSong NOTIFY currentSongChanged)
+    Q_PROPERTY(QList<Song> upNext READ upNext NOTIFY upNextChanged)
+
+public:
+    // Makes the URL a song plays from. The default streams it from the server.
+    using ItemLocator = std::function<QUrl(const Song &, const SubsonicClient &)>;
+
+    // The engine is not owned and must outlive the controller.
+    explicit PlayerController(AudioEngine *engine, QObject *parent = nullptr);
+    ~PlayerController() override;
+
+    void setItemLocator(ItemLocator locator);
+
+    [[nodiscard]] const QList<Song> &queue() const { return m_queue; }
+    [[nodiscard]] std::optional<qsizetype> currentIndex() const { return m_currentIndex; }
+    [[nodiscard]] std::optional<PlaybackSource> source() const { return m_source; }
+    [[nodiscard]] bool isPlaying() const { return m_isPlaying; }
+    [[nodiscard]] double currentTime() const { return m_currentTime; }
+    [[nodiscard]] bool isShuffling() const { return m_isShuffling; }
+    [[nodiscard]] RepeatMode repeatMode() const { return m_repeatMode; }
+    [[nodiscard]] float volume() const { return m_volume; }
+    [[nodiscard]] std::optional<Song> currentSong() const;
+    [[nodiscard]] QList<Song> upNext() const;
+    [[nodiscard]] std::optional<qsizetype> nextIndex() const;
+    // The engine's length of the current item, else the song's own, else 0.
+    [[nodiscard]] double duration() const;
+
+    void setRepeatMode(RepeatMode mode);
+    void setVolume(float volume);
+
+    // Operations that replace the queue.
+    void play(QList<Song> songs, qsizetype startingAt, SubsonicClient client, std::optional<PlaybackSource> source);
+    void playShuffled(QList<Song> songs, SubsonicClient client, std::optional<PlaybackSource> source);
+    void playAlbum(Album album, SubsonicClient client, AlbumStart start = {});
+
+    // Operations that add to the queue, leaving the current song playing.
+    void playAlbumNext(Album album, SubsonicClient client, QueuePlacement placement);
+    void playNext(QList<Song> songs, SubsonicClient client);
+    void playLast(QList<Song> songs, SubsonicClient client);
+
+    void togglePlayPause();
+    void pause();
+    void seek(double seconds);
+    void next();
+    void previous();
+    void jumpToUpcoming(qsizetype offset);
+    void stop();
+
+    void toggleShuffle();
+    void clearUpNext();
+    void removeUpcoming(QList<qsizetype> offsets);
+    void moveUpcoming(QList<qsizetype> offsets, qsizetype destination);
+
+Q_SIGNALS:
+    void queueChanged();
+    void currentIndexChanged();
+    void sourceChanged();
+    void isPlayingChanged();
+    void currentTimeChanged();
+    void isShufflingChanged();
+    void repeatModeChanged();
+    void volumeChanged();
+    void currentSongChanged();
+    void upNextChanged();
+
+private:
+    class Operation;
+    enum class StartMode { Paused, Playing };
+    struct PendingSeek {
+        EngineItemId item;
+        double seconds;
+    };
+
+    void replaceQueue(QList<Song> songs, qsizetype startingAt, SubsonicClient client,
+                      std::optional<PlaybackSource> source, std::optional<QList<Song>> unshuffled);
+    void startItem(qsizetype index, StartMode mode, double seekTo);
+    void beganTrack(qsizetype index, double position);
+    void syncPreload();
+    void handleTrackEnd();
+    void onItemEnded(EngineItemId item);
+    void onItemReady(EngineItemId item);
+    [[nodiscard]] PlayerItem makePlayerItem(const Song &song) const;
+
+    void fetchAlbum(const Album &album, SubsonicClient client, std::function<void(QList<Song>)> then);
+    QCoro::Task<> loadAlbumSongs(Album album, SubsonicClient client, std::function<void(QList<Song>)> then,
+                                 CancelToken token);
+
+    void setQueue(QList<Song> queue);
+    void editQueueInPlace(const std::function<QList<Song>(QList<Song>)> &edit);
+    void setCurrentIndex(std::optional<qsizetype> index);
+    void setSource(std::optional<PlaybackSource> source);
+    void setIsPlaying(bool playing);
+    void setCurrentTime(double seconds);
+    void setIsShuffling(bool shuffling);
+
+    AudioEngine *m_engine;
+    ItemLocator m_locator;
+    std::mt19937_64 m_random;
+
+    std::optional<SubsonicClient> m_client;
+    std::optional<EngineItemId> m_currentItemRef;
+    std::optional<QString> m_preloadedSongId;
+    std::optional<PendingSeek> m_pendingSeek;
+    QList<Song> m_queue;
+    std::optional<qsizetype> m_currentIndex;
+    std::optional<PlaybackSource> m_source;
+    bool m_isPlaying = false;
+    double m_currentTime = 0;
+    bool m_isShuffling = false;
+    RepeatMode m_repeatMode = RepeatMode::Off;
+    std::optional<QList<Song>> m_unshuffledQueue;
+    float m_volume = 1.0F;
+
+    // The outermost operation under way, which tells of the derived fields when it ends.
+    Operation *m_operation = nullptr;
+
+    // Album fetches are never cancelled by a later play, so each has its own handle; declared last so that
+    // they cancel before anything their coroutines touch goes away.
+    std::vector<std::unique_ptr<TaskHandle>> m_albumFetches;
+};
