@@ -62,6 +62,21 @@ ConnectionFault ConnectionFault::from(std::exception_ptr error)
     return other(u"An unknown error occurred."_s);
 }
 
+QString errorDescription(std::exception_ptr error)
+{
+    try {
+        std::rethrow_exception(error);
+    } catch (const SubsonicError &subsonic) {
+        return subsonic.description();
+    } catch (const TransportError &transport) {
+        return transport.description();
+    } catch (const std::exception &unknown) {
+        return QString::fromLocal8Bit(unknown.what());
+    } catch (...) {
+    }
+    return u"An unknown error occurred."_s;
+}
+
 QString StoreFailure::message() const
 {
     QString reason;

@@ -28,6 +28,9 @@ struct ConnectionFault {
     bool operator==(const ConnectionFault &) const = default;
 };
 
+// The user-readable words of whatever a request threw.
+[[nodiscard]] QString errorDescription(std::exception_ptr error);
+
 // Whether the server answers: ok, or failing with a standing fault.
 struct ServerReachability {
     std::optional<ConnectionFault> failure; // absent means ok
