@@ -24,6 +24,14 @@ struct PlayerItem {
     bool operator==(const PlayerItem &) const = default;
 };
 
+// One place the sound can go, as the back end names it ("name") and as a person would ("description").
+struct OutputDevice {
+    QString name;
+    QString description;
+
+    bool operator==(const OutputDevice &) const = default;
+};
+
 class AudioEngine : public QObject
 {
     Q_OBJECT
@@ -53,6 +61,11 @@ public:
     // The current item's length in seconds, once the engine knows it.
     [[nodiscard]] virtual std::optional<double> currentDuration() const = 0;
 
+    // The outputs the back end can play to and the one chosen; a back end without a choice offers none.
+    [[nodiscard]] virtual QList<OutputDevice> outputDevices() const { return {}; }
+    [[nodiscard]] virtual QString outputDevice() const { return {}; }
+    virtual void setOutputDevice(const QString &name) { Q_UNUSED(name); }
+
     [[nodiscard]] std::optional<EngineItemId> currentItem() const
     {
         const QList<EngineItemId> list = items();
@@ -69,4 +82,5 @@ Q_SIGNALS:
     void itemEnded(EngineItemId item);
     // The position of the current item, about every half second while it plays.
     void positionTicked(double seconds);
+    void outputDevicesChanged();
 };

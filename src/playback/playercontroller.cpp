@@ -5,18 +5,44 @@
 #include "queuerules.h"
 
 #include <QRandomGenerator>
+#include <QStandardPaths>
 
 #include <algorithm>
 
-PlayerController::PlayerController(AudioEngine *engine, QObject *parent)
+namespace {
+// A slider drag writes once, this long after it stops.
+constexpr int volumePersistDelayMs = 400;
+// A burst of skips costs one write of the session, at its end.
+constexpr int checkpointDelayMs = 1000;
+
+QString defaultSessionFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Velto");
+}
+}
+
+PlayerController::PlayerController(AudioEngine *engine, PlayerStorage storage, QObject *parent)
     : QObject(parent)
     , m_engine(engine)
     , m_locator([](const Song &song, const SubsonicClient &client) { return client.streamURL(song.id); })
     // Seeds the whole state from the system source, so every order of a long queue can come up.
     , m_random(*QRandomGenerator::system())
+    , m_settings(storage.settings)
+    , m_sessionFolder(storage.sessionFolder.isEmpty() ? defaultSessionFolder() : storage.sessionFolder)
 {
     connect(m_engine, &AudioEngine::itemEnded, this, &PlayerController::onItemEnded);
     connect(m_engine, &AudioEngine::itemReady, this, &PlayerController::onItemReady);
+    connect(m_engine, &AudioEngine::positionTicked, this, &PlayerController::onPositionTicked);
+    connect(m_engine, &AudioEngine::outputDevicesChanged, this, &PlayerController::outputDevicesChanged);
+
+    m_volumePersist.setSingleShot(true);
+    m_volumePersist.setInterval(volumePersistDelayMs);
+    connect(&m_volumePersist, &QTimer::timeout, this, &PlayerController::flushVolume);
+    m_checkpoint.setSingleShot(true);
+    m_checkpoint.setInterval(checkpointDelayMs);
+    connect(&m_checkpoint, &QTimer::timeout, this, &PlayerController::saveSession);
+
+    readPersistedVolume();
 }
 
 PlayerController::~PlayerController() = default;
@@ -24,6 +50,11 @@ PlayerController::~PlayerController() = default;
 void PlayerController::setItemLocator(ItemLocator locator)
 {
     m_locator = std::move(locator);
+}
+
+void PlayerController::setLocalFileLookup(LocalFileLookup lookup)
+{
+    m_localFileLookup = std::move(lookup);
 }
 
 std::optional<Song> PlayerController::currentSong() const

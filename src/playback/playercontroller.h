@@ -13,6 +13,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -29,6 +30,16 @@ struct AlbumStart {
 // Where playAlbumNext puts the album's songs.
 enum class QueuePlacement { Next, Last };
 
+class QSettings;
+
+// Where the controller keeps what outlives a run: the user's settings ("volume", "scrobbleEnabled") and the
+// folder of "session.json". Without settings nothing is persisted and reports go out; an empty folder means
+// "Velto" under the user's data folder.
+struct PlayerStorage {
+    QSettings *settings = nullptr;
+    QString sessionFolder;
+};
+
 class PlayerController : public QObject
 {
     Q_OBJECT
@@ -42,16 +53,21 @@ class PlayerController : public QObject
     Q_PROPERTY(float volume READ volume WRITE setVolume NOTIFY volumeChanged)
     Q_PROPERTY(std::optional<Song> currentSong READ currentSong NOTIFY currentSongChanged)
     Q_PROPERTY(QList<Song> upNext READ upNext NOTIFY upNextChanged)
+    Q_PROPERTY(QList<OutputDevice> outputDevices READ outputDevices NOTIFY outputDevicesChanged)
+    Q_PROPERTY(QString outputDevice READ outputDevice WRITE setOutputDevice NOTIFY outputDevicesChanged)
 
 public:
-    // Makes the URL a song plays from. The default streams it from the server.
+    // Makes the URL a song streams from. The default signs a "stream" request to the server.
     using ItemLocator = std::function<QUrl(const Song &, const SubsonicClient &)>;
+    // The downloaded file of a song, if it has one; such a song plays from disk with or without a network.
+    using LocalFileLookup = std::function<std::optional<QUrl>(const Song &, const ServerConfig &)>;
 
     // The engine is not owned and must outlive the controller.
-    explicit PlayerController(AudioEngine *engine, QObject *parent = nullptr);
+    explicit PlayerController(AudioEngine *engine, PlayerStorage storage = {}, QObject *parent = nullptr);
     ~PlayerController() override;
 
     void setItemLocator(ItemLocator locator);
+    void setLocalFileLookup(LocalFileLookup lookup);
 
     [[nodiscard]] const QList<Song> &queue() const { return m_queue; }
     [[nodiscard]] std::optional<qsizetype> currentIndex() const { return m_currentIndex; }
@@ -67,8 +83,16 @@ public:
     // The engine's length of the current item, else the song's own, else 0.
     [[nodiscard]] double duration() const;
 
+    [[nodiscard]] QList<OutputDevice> outputDevices() const { return m_engine->outputDevices(); }
+    [[nodiscard]] QString outputDevice() const { return m_engine->outputDevice(); }
+    [[nodiscard]] QString sessionFilePath() const;
+
     void setRepeatMode(RepeatMode mode);
+    // Stores, sets the engine and writes "volume" 0.4 s after the last change, even for an equal value.
     void setVolume(float volume);
+    void setOutputDevice(const QString &name);
+    // Writes "volume" now, dropping the pending write.
+    void flushVolume();
 
     // Operations that replace the queue.
     void play(QList<Song> songs, qsizetype startingAt, SubsonicClient client, std::optional<PlaybackSource> source);
@@ -93,6 +117,17 @@ public:
     void removeUpcoming(QList<qsizetype> offsets);
     void moveUpcoming(QList<qsizetype> offsets, qsizetype destination);
 
+    // The saved session: written 1 s after a song starts, a pause or a stop, and at once by saveSession()
+    // (which the application calls as it quits). One restore per run, into an empty player, always paused.
+    void saveSession();
+    void restoreSession(SubsonicClient client);
+    void clearSavedSession();
+
+    // The machine goes to sleep: pause as the user would. On waking only the engine is paused again, so
+    // that it cannot start by itself.
+    void systemWillSleep();
+    void systemDidWake();
+
 Q_SIGNALS:
     void queueChanged();
     void currentIndexChanged();
@@ -104,6 +139,9 @@ Q_SIGNALS:
     void volumeChanged();
     void currentSongChanged();
     void upNextChanged();
+    void outputDevicesChanged();
+    // The position jumped: a seek, or a restart of the current song.
+    void seeked(double seconds);
 
 private:
     class Operation;
@@ -116,12 +154,20 @@ private:
     void replaceQueue(QList<Song> songs, qsizetype startingAt, SubsonicClient client,
                       std::optional<PlaybackSource> source, std::optional<QList<Song>> unshuffled);
     void startItem(qsizetype index, StartMode mode, double seekTo);
-    void beganTrack(qsizetype index, double position);
+    void beganTrack(qsizetype index, double position, StartMode mode);
     void syncPreload();
     void handleTrackEnd();
     void onItemEnded(EngineItemId item);
     void onItemReady(EngineItemId item);
     [[nodiscard]] PlayerItem makePlayerItem(const Song &song) const;
+    void onPositionTicked(double seconds);
+
+    [[nodiscard]] bool scrobbleEnabled() const;
+    void reportNowPlaying();
+    void maybeSubmitScrobble();
+    void sendReport(const Song &song, ScrobbleKind kind);
+    void readPersistedVolume();
+    void scheduleCheckpoint();
 
     void fetchAlbum(const Album &album, SubsonicClient client, std::function<void(QList<Song>)> then);
     QCoro::Task<> loadAlbumSongs(Album album, SubsonicClient client, std::function<void(QList<Song>)> then,
@@ -151,7 +197,17 @@ private:
     bool m_isShuffling = false;
     RepeatMode m_repeatMode = RepeatMode::Off;
     std::optional<QList<Song>> m_unshuffledQueue;
+    bool m_didSubmitScrobble = false;
+    bool m_didReportNowPlaying = false;
     float m_volume = 1.0F;
+    bool m_didAttemptRestore = false;
+
+    QSettings *m_settings;
+    QString m_sessionFolder;
+    LocalFileLookup m_localFileLookup;
+    // Debounces: the volume write and the session checkpoint. Stopping one is cancelling it.
+    QTimer m_volumePersist;
+    QTimer m_checkpoint;
 
     // The outermost operation under way, which tells of the derived fields when it ends.
     Operation *m_operation = nullptr;
@@ -159,4 +215,6 @@ private:
     // Album fetches are never cancelled by a later play, so each has its own handle; declared last so that
     // they cancel before anything their coroutines touch goes away.
     std::vector<std::unique_ptr<TaskHandle>> m_albumFetches;
+    // Play reports run to their end whatever the player does next; their outcome is never looked at.
+    std::vector<std::unique_ptr<TaskHandle>> m_reports;
 };

@@ -4,6 +4,7 @@
 #include "common/observable.h"
 #include "playercontroller.h"
 #include "playeroperation.h"
+#include "scrobblethreshold.h"
 
 #include <cmath>
 
@@ -21,10 +22,20 @@ double PlayerController::duration() const
     return 0;
 }
 
-void PlayerController::setVolume(float volume)
+void PlayerController::setOutputDevice(const QString &name)
 {
-    assignField(this, m_volume, volume, &PlayerController::volumeChanged);
-    m_engine->setVolume(volume);
+    m_engine->setOutputDevice(name);
+}
+
+void PlayerController::systemWillSleep()
+{
+    pause();
+}
+
+void PlayerController::systemDidWake()
+{
+    // isPlaying is left alone: the user resumes by hand, and a paused song is paused again harmlessly.
+    m_engine->pause();
 }
 
 void PlayerController::togglePlayPause()
@@ -37,6 +48,7 @@ void PlayerController::togglePlayPause()
     }
     m_engine->play();
     setIsPlaying(true);
+    reportNowPlaying();
 }
 
 void PlayerController::pause()
@@ -45,12 +57,14 @@ void PlayerController::pause()
         return;
     m_engine->pause();
     setIsPlaying(false);
+    scheduleCheckpoint();
 }
 
 void PlayerController::seek(double seconds)
 {
     m_engine->seek(seconds);
     setCurrentTime(seconds);
+    Q_EMIT seeked(seconds);
 }
 
 void PlayerController::next()
@@ -79,6 +93,7 @@ void PlayerController::previous()
     // A paused song stays paused, at its start.
     m_engine->seek(0);
     setCurrentTime(0);
+    Q_EMIT seeked(0);
 }
 
 void PlayerController::jumpToUpcoming(qsizetype offset)
@@ -101,10 +116,16 @@ void PlayerController::stop()
     setSource(std::nullopt);
     setIsPlaying(false);
     setCurrentTime(0);
+    scheduleCheckpoint();
 }
 
 PlayerItem PlayerController::makePlayerItem(const Song &song) const
 {
+    // Chosen when the item is built: a download that finishes later does not change an item already queued.
+    if (m_localFileLookup) {
+        if (std::optional<QUrl> file = m_localFileLookup(song, m_client->config()))
+            return PlayerItem{.song = song, .url = std::move(*file)};
+    }
     return PlayerItem{.song = song, .url = m_locator(song, *m_client)};
 }
 
@@ -127,14 +148,20 @@ void PlayerController::startItem(qsizetype index, StartMode mode, double seekTo)
     else
         m_engine->pause();
     setIsPlaying(mode == StartMode::Playing);
-    beganTrack(index, seekTo);
+    beganTrack(index, seekTo, mode);
     syncPreload();
 }
 
-void PlayerController::beganTrack(qsizetype index, double position)
+void PlayerController::beganTrack(qsizetype index, double position, StartMode mode)
 {
     setCurrentIndex(index);
     setCurrentTime(position);
+    // A session restored past the threshold was submitted in its earlier run.
+    m_didSubmitScrobble = scrobbleThreshold(m_queue[index]) <= position;
+    m_didReportNowPlaying = false;
+    if (mode == StartMode::Playing)
+        reportNowPlaying();
+    scheduleCheckpoint();
 }
 
 void PlayerController::syncPreload()
@@ -199,6 +226,15 @@ void PlayerController::handleTrackEnd()
     m_preloadedSongId.reset();
     if (m_isPlaying)
         m_engine->play();
-    beganTrack(*next, 0);
+    beganTrack(*next, 0, m_isPlaying ? StartMode::Playing : StartMode::Paused);
     syncPreload();
+}
+
+void PlayerController::onPositionTicked(double seconds)
+{
+    // Until a restored song has been sought to its place, the engine's position is the file's start.
+    if (!std::isfinite(seconds) || m_pendingSeek)
+        return;
+    setCurrentTime(seconds);
+    maybeSubmitScrobble();
 }

@@ -1,0 +1,249 @@
+// The controller driving libmpv for real: what comes out is written to a WAV file and compared with the tone
+// the songs were cut from, so a gap, a lost song or a song played twice shows as samples.
+
+#include "audiofixture.h"
+#include "fakesubsonicserver.h"
+#include "playertesthelpers.h"
+
+#include "playback/mpvaudioengine.h"
+#include "playback/sessionsnapshot.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// The boundaries must line up to the sample, and the sound must be the tone itself, give or take rounding.
+constexpr float toleratedError = 0.002F;
+constexpr int endTimeoutMs = 20000;
+
+// One controller on one real engine; the engine is destroyed before the output is read, which closes the file.
+class RealPlayer
+{
+public:
+    RealPlayer(const AudioFixture::Tone &tone, const QString &outputPath, PlayerStorage storage = {})
+        : m_outputPath(outputPath)
+        , m_engine(std::make_unique<MpvAudioEngine>(AudioFixture::fileOutput(outputPath)))
+        , m_controller(std::make_unique<PlayerController>(m_engine.get(), storage))
+    {
+        const QString folder = tone.folder;
+        // Song "0" is the first part of the tone, "1" the second and so on; anything else is not on disk.
+        m_controller->setLocalFileLookup([folder](const Song &song, const ServerConfig &) -> std::optional<QUrl> {
+            return QUrl::fromLocalFile(folder + u"/part"_s + song.id + u".flac"_s);
+        });
+    }
+
+    PlayerController &controller() { return *m_controller; }
+    [[nodiscard]] QString current() const
+    {
+        const auto song = m_controller->currentSong();
+        return song ? song->id : QString();
+    }
+    MpvAudioEngine &engine() { return *m_engine; }
+
+    void play(const QString &ids, qsizetype startingAt = 0)
+    {
+        m_controller->play(makeSongs(ids), startingAt, client, std::nullopt);
+    }
+
+    // Waits for the queue to run out by itself, then closes the output and reads it.
+    [[nodiscard]] bool waitForEnd()
+    {
+        return QTest::qWaitFor([this] { return !m_controller->currentIndex().has_value(); }, endTimeoutMs);
+    }
+    std::vector<float> output()
+    {
+        m_controller.reset();
+        m_engine.reset();
+        return AudioFixture::readWav(m_outputPath);
+    }
+
+    SubsonicClient client{ServerConfig{.baseURL = QUrl(u"http://127.0.0.1:9"_s), .username = u"u"_s,
+                                       .password = u"p"_s}};
+
+private:
+    QString m_outputPath;
+    std::unique_ptr<MpvAudioEngine> m_engine;
+    std::unique_ptr<PlayerController> m_controller;
+};
+
+QString describe(const AudioFixture::GapReport &report)
+{
+    QStringList gaps;
+    for (const qsizetype gap : report.gaps)
+        gaps.append(QString::number(gap));
+    return u"lead %1, gaps [%2], worst error %3"_s.arg(report.lead).arg(gaps.join(u", "_s)).arg(report.worstError);
+}
+}
+
+class MpvPlaybackTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    std::optional<AudioFixture::Tone> m_tone;
+    int m_outputs = 0;
+
+    QString nextOutputPath() { return m_dir.filePath(u"out%1.wav"_s.arg(++m_outputs)); }
+
+    // The output is exactly `expected`, joined without a sample gained or lost.
+    void verifySeamless(const std::vector<float> &output, const std::vector<float> &expected)
+    {
+        const AudioFixture::GapReport report = AudioFixture::measureGaps(output, expected, m_tone->partSamples);
+        qInfo().noquote() << describe(report);
+        QVERIFY2(report.worstError < toleratedError, qPrintable(describe(report)));
+        for (const qsizetype gap : report.gaps)
+            QVERIFY2(gap == 0, qPrintable(describe(report)));
+        QCOMPARE(qsizetype(output.size()) - report.lead, qsizetype(expected.size()));
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        m_tone = AudioFixture::makeTone(m_dir.path(), 3, 1.0);
+        QVERIFY(m_tone);
+        QCOMPARE(qsizetype(m_tone->samples.size()), 3 * m_tone->partSamples);
+    }
+
+    // Songs following one another.
+
+    void threeFilesCutFromOneTonePlayBackAsTheTone()
+    {
+        RealPlayer player(*m_tone, nextOutputPath());
+        player.play(u"0 1 2"_s);
+        QVERIFY(player.waitForEnd());
+        QCOMPARE(player.controller().queue().size(), 0);
+        verifySeamless(player.output(), m_tone->samples);
+    }
+
+    void aOneSongQueueWithRepeatAllLoopsWithoutAGap()
+    {
+        RealPlayer player(*m_tone, nextOutputPath());
+        QSignalSpy ended(&player.engine(), &AudioEngine::itemEnded);
+        player.controller().setRepeatMode(RepeatMode::All);
+        player.play(u"0"_s);
+        QVERIFY(QTest::qWaitFor([&] { return ended.count() >= 2; }, endTimeoutMs));
+        QCOMPARE(player.controller().currentIndex(), std::optional<qsizetype>(0));
+        QVERIFY(player.controller().isPlaying());
+        // The third round is the last.
+        player.controller().setRepeatMode(RepeatMode::Off);
+        QVERIFY(player.waitForEnd());
+        verifySeamless(player.output(), AudioFixture::concat({m_tone->part(0), m_tone->part(0), m_tone->part(0)}));
+    }
+
+    void repeatOneSwitchedOnDuringTheLastSongPlaysItAgain()
+    {
+        RealPlayer player(*m_tone, nextOutputPath());
+        QSignalSpy ended(&player.engine(), &AudioEngine::itemEnded);
+        player.play(u"0 1"_s, 1);
+        player.controller().setRepeatMode(RepeatMode::One);
+        QVERIFY(QTest::qWaitFor([&] { return ended.count() >= 1; }, endTimeoutMs));
+        QCOMPARE(player.controller().currentIndex(), std::optional<qsizetype>(1));
+        player.controller().setRepeatMode(RepeatMode::Off);
+        QVERIFY(player.waitForEnd());
+        verifySeamless(player.output(), AudioFixture::concat({m_tone->part(1), m_tone->part(1)}));
+    }
+
+    void removingThePreloadedSongPlaysTheOneAfterIt()
+    {
+        RealPlayer player(*m_tone, nextOutputPath());
+        player.play(u"0 1 2"_s);
+        player.controller().removeUpcoming({0});
+        QCOMPARE(order(player.controller().queue()), u"0 2"_s);
+        QVERIFY(player.waitForEnd());
+        verifySeamless(player.output(), AudioFixture::concat({m_tone->part(0), m_tone->part(2)}));
+    }
+
+    // Where songs come from.
+
+    void aSongWithoutAFileStreamsFromTheServer()
+    {
+        FakeSubsonicServer server;
+        QFile flac(m_tone->partPath(1));
+        QVERIFY(flac.open(QIODevice::ReadOnly));
+        server.on(u"stream"_s, FakeResponse{.contentType = "audio/flac", .body = flac.readAll()});
+
+        RealPlayer player(*m_tone, nextOutputPath());
+        player.client = SubsonicClient(ServerConfig{.baseURL = server.baseURL(), .username = u"u"_s,
+                                                    .password = u"p"_s});
+        player.controller().setLocalFileLookup([](const Song &, const ServerConfig &) { return std::nullopt; });
+        player.play(u"s"_s);
+        QVERIFY(player.waitForEnd());
+        QVERIFY(server.count(u"stream"_s) >= 1);
+        QCOMPARE(server.requests(u"stream"_s).first().value(u"id"_s), u"s"_s);
+        QVERIFY(!server.requests(u"stream"_s).first().value(u"t"_s).isEmpty());
+        verifySeamless(player.output(), m_tone->part(1));
+    }
+
+    void aMissingFileStaysCurrentAndSilentUntilTheUserSkips()
+    {
+        RealPlayer player(*m_tone, nextOutputPath());
+        player.play(u"gone 1"_s);
+        QTest::qWait(1500);
+        // Nothing is shown and nothing moves on: the song stays, "playing", at its start.
+        QCOMPARE(player.current(), u"gone"_s);
+        QVERIFY(player.controller().isPlaying());
+        QCOMPARE(player.controller().currentTime(), 0.0);
+
+        player.controller().next();
+        QCOMPARE(player.current(), u"1"_s);
+        QVERIFY(player.waitForEnd());
+        verifySeamless(player.output(), m_tone->part(1));
+    }
+
+    // Outputs.
+
+    void theOutputsAreOfferedWithTheChosenOne()
+    {
+        RealPlayer player(*m_tone, nextOutputPath());
+        QSignalSpy changed(&player.controller(), &PlayerController::outputDevicesChanged);
+        // mpv always offers its own choice, "auto", and starts on it.
+        QTRY_VERIFY(!player.controller().outputDevices().isEmpty());
+        QTRY_COMPARE(player.controller().outputDevice(), u"auto"_s);
+        QCOMPARE(player.controller().outputDevices().first().name, u"auto"_s);
+        QVERIFY(changed.count() > 0);
+
+        player.controller().setOutputDevice(u"null"_s);
+        QTRY_COMPARE(player.controller().outputDevice(), u"null"_s);
+    }
+
+    // Position and transport.
+
+    void aRestoredSessionWaitsPausedAndResumesAtTheSavedPlace()
+    {
+        const QString folder = m_dir.filePath(u"session"_s);
+        RealPlayer player(*m_tone, nextOutputPath(), PlayerStorage{.sessionFolder = folder});
+        const SessionSnapshot snapshot{.serverKey = serverKey(player.client.config()),
+                                       .queue = makeSongs(u"0 1"_s),
+                                       .currentIndex = 1,
+                                       .currentTime = 0.5};
+        QVERIFY(QDir().mkpath(folder));
+        QFile file(player.controller().sessionFilePath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(snapshot.encode());
+        file.close();
+
+        QSignalSpy ready(&player.engine(), &AudioEngine::itemReady);
+        player.controller().restoreSession(player.client);
+        QCOMPARE(player.current(), u"1"_s);
+        QVERIFY(!player.controller().isPlaying());
+        QCOMPARE(player.controller().currentTime(), 0.5);
+        QVERIFY(ready.wait(5000));
+        QTest::qWait(700);
+        QVERIFY(!player.controller().isPlaying());
+        QCOMPARE(player.controller().currentTime(), 0.5);
+
+        player.controller().togglePlayPause();
+        QVERIFY(player.waitForEnd());
+        const std::vector<float> part = m_tone->part(1);
+        verifySeamless(player.output(), std::vector<float>(part.begin() + part.size() / 2, part.end()));
+    }
+};
+
+QTEST_GUILESS_MAIN(MpvPlaybackTest)
+
+#include "tst_mpvplayback.moc"
