@@ -5,6 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 bash scripts/deps.sh
+# Relative paths in the compiler cache let a fresh clone reuse what another checkout built.
+export CCACHE_BASEDIR="$PWD"
 build=build
 if [ ! -f "$build/build.ninja" ]; then
   cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug
