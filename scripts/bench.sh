@@ -12,5 +12,5 @@ fi
 cmake --build "$build" >&2
 export QT_QPA_PLATFORM=offscreen
 for bench in "$build"/bench/bench_*; do
-  [ -x "$bench" ] && "$bench"
+  if [ -f "$bench" ] && [ -x "$bench" ]; then "$bench"; fi
 done
