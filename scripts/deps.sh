@@ -11,7 +11,7 @@ packages=(
   qt6-svg-dev qt6-image-formats-plugins
   qcoro-qt6-dev libmpv-dev qtkeychain-qt6-dev
   xvfb xauth libgl1-mesa-dri fonts-material-design-icons-iconfont fonts-inter
-  gnome-keyring dbus dbus-x11 playerctl ffmpeg curl
+  gnome-keyring dbus dbus-x11 playerctl ffmpeg curl desktop-file-utils appstream
   supysonic python3-waitress
 )
 

@@ -9,6 +9,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QSaveFile>
 
@@ -82,6 +83,21 @@ std::optional<QImage> ArtworkFetcher::readFromDisk(const Job &job)
     // Offline covers follow the downloads, not the cache: never touched, never copied.
     if (job.offlineFile)
         return readCover(*job.offlineFile, job.pixelSize, LastUse::Keep);
+    return std::nullopt;
+}
+
+std::optional<QString> ArtworkFetcher::fileFor(const QString &id, int pixelSize) const
+{
+    for (int bucket : ArtworkSize::buckets) {
+        const QString path = cachePath(m_directory, key(id, bucket));
+        if (bucket >= pixelSize && QFileInfo::exists(path))
+            return path;
+    }
+    if (m_offlineDirectory) {
+        const QString path = *m_offlineDirectory + u'/' + offlineFileName(id);
+        if (QFileInfo::exists(path))
+            return path;
+    }
     return std::nullopt;
 }
 

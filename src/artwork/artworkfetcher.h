@@ -54,6 +54,9 @@ public:
     // Scaled so that the longer side is at most `maxPixelSize` (never enlarged), orientation applied, fully
     // decoded. Empty for anything that is not an image, such as a server's error page.
     [[nodiscard]] static std::optional<QImage> decode(const QByteArray &data, int maxPixelSize);
+    // A file on disk holding the cover at `pixelSize` or larger, for programs that take a path (the media
+    // controls). Blocks on a few file checks; touches nothing.
+    [[nodiscard]] std::optional<QString> fileFor(const QString &id, int pixelSize) const;
     // Deletes the least recently used files until the folder holds at most `limit` bytes.
     static void trimDiskCache(const QString &directory, qint64 limit);
 

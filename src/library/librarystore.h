@@ -12,6 +12,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QtQml/qqmlregistration.h>
 #include <QSet>
 
 #include <map>
@@ -19,6 +20,8 @@
 class LibraryStore : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the app state for each client")
     Q_PROPERTY(int epoch READ epoch NOTIFY epochChanged)
     Q_PROPERTY(int playlistRevision READ playlistRevision NOTIFY playlistRevisionChanged)
     Q_PROPERTY(bool songsLoaded READ songsLoaded NOTIFY songsLoadedChanged)

@@ -13,6 +13,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QtQml/qqmlregistration.h>
 #include <QTimer>
 
 #include <functional>
@@ -43,6 +44,8 @@ struct PlayerStorage {
 class PlayerController : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("One per process, made at start")
     Q_PROPERTY(QList<Song> queue READ queue NOTIFY queueChanged)
     Q_PROPERTY(std::optional<qsizetype> currentIndex READ currentIndex NOTIFY currentIndexChanged)
     Q_PROPERTY(std::optional<PlaybackSource> source READ source NOTIFY sourceChanged)

@@ -1,6 +1,8 @@
 #include "appstate.h"
 
+#include "artwork/artworkfetcher.h"
 #include "keychain.h"
+#include "library/librarystore.h"
 
 #include <QSettings>
 
@@ -11,14 +13,34 @@ const QString serverURLKey = u"serverURL"_s;
 const QString usernameKey = u"username"_s;
 const QString authMethodKey = u"authMethod"_s; // present only for the legacy form
 const QString legacyAuthValue = u"legacyPassword"_s;
+
+// A store may still have tasks resuming later in this turn of the event loop, so it goes with deleteLater.
+void dropLater(LibraryStore *store)
+{
+    if (store)
+        store->deleteLater();
+}
 }
 
 AppState::AppState(QSettings *settings, QNetworkAccessManager *network, QObject *parent)
     : QObject(parent)
     , m_settings(settings)
     , m_network(network)
+    , m_library(nullptr, dropLater)
 {
     restoreSession();
+}
+
+AppState::~AppState() = default;
+
+QString AppState::serverURL() const
+{
+    return m_client ? m_client->config().baseURL.toString() : QString();
+}
+
+QString AppState::username() const
+{
+    return m_client ? m_client->config().username : QString();
 }
 
 // No ping here on purpose: Velto opens on what it holds even when the server is away, and a changed password
@@ -81,5 +103,8 @@ void AppState::logout()
 void AppState::setClient(std::optional<SubsonicClient> client)
 {
     m_client = std::move(client);
+    m_library.reset(m_client ? new LibraryStore(*m_client) : nullptr);
+    if (!m_client)
+        ArtworkFetcher::shared().setOfflineDirectory(std::nullopt);
     Q_EMIT clientChanged();
 }

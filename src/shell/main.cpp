@@ -1,14 +1,47 @@
-#include "server/appstate.h"
+#include "shell/symbolicons.h"
+#include "shell/veltoapp.h"
+#include "shell/windowsizekeeper.h"
 
+#include <QFontDatabase>
 #include <QGuiApplication>
-#include <QSettings>
+#include <QIcon>
+#include <QLoggingCategory>
+#include <QQmlApplicationEngine>
+#include <QQmlExtensionPlugin>
+#include <QQuickStyle>
+#include <QQuickWindow>
+
+Q_IMPORT_QML_PLUGIN(VeltoPlugin)
+
+using namespace Qt::StringLiterals;
+
+Q_LOGGING_CATEGORY(lcStartup, "velto.startup", QtWarningMsg)
 
 int main(int argc, char *argv[])
 {
     QGuiApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Velto"));
-    QCoreApplication::setApplicationName(QStringLiteral("Velto"));
-    QSettings settings;
-    AppState appState(&settings);
-    return 0;
+    QCoreApplication::setOrganizationName(u"Velto"_s);
+    QCoreApplication::setApplicationName(u"Velto"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(VELTO_VERSION));
+    QGuiApplication::setDesktopFileName(u"co.marrowlight.velto"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/icons/co.marrowlight.velto.svg"_s));
+    QQuickStyle::setStyle(u"Fusion"_s);
+    QFontDatabase::addApplicationFont(SymbolIcons::fontPath());
+
+    VeltoApp velto({
+        .updateFeedURL = QUrl(QStringLiteral(VELTO_UPDATE_FEED_URL)),
+        .version = QVersionNumber::fromString(QStringLiteral(VELTO_VERSION)),
+    });
+
+    QQmlApplicationEngine engine;
+    engine.setInitialProperties({{u"app"_s, QVariant::fromValue(&velto)}});
+    engine.load(QUrl(u"qrc:/Velto/Main.qml"_s));
+    if (engine.rootObjects().isEmpty())
+        return 1;
+    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+    WindowSizeKeeper sizeKeeper(window, velto.settings(), u"mainWindowSize"_s);
+    // For measuring start-up time from outside: QT_LOGGING_RULES="velto.startup.info=true".
+    QObject::connect(window, &QQuickWindow::frameSwapped, window, [] { qCInfo(lcStartup, "first frame"); },
+                     Qt::SingleShotConnection);
+    return app.exec();
 }

@@ -1,0 +1,28 @@
+#include "preferences.h"
+
+#include <QSettings>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString scrobbleEnabledKey = u"scrobbleEnabled"_s;
+}
+
+Preferences::Preferences(QSettings *settings, QObject *parent)
+    : QObject(parent)
+    , m_settings(settings)
+{
+}
+
+bool Preferences::scrobbleEnabled() const
+{
+    return m_settings->value(scrobbleEnabledKey, true).toBool();
+}
+
+void Preferences::setScrobbleEnabled(bool enabled)
+{
+    if (enabled == scrobbleEnabled())
+        return;
+    m_settings->setValue(scrobbleEnabledKey, enabled);
+    Q_EMIT scrobbleEnabledChanged();
+}

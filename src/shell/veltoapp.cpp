@@ -1,0 +1,48 @@
+#include "veltoapp.h"
+
+#include "appcommands.h"
+#include "nowplayingartwork.h"
+#include "offline/downloadlayout.h"
+#include "playback/mprisservice.h"
+#include "playback/mpvaudioengine.h"
+#include "playback/playercontroller.h"
+#include "playback/sleepwatcher.h"
+#include "preferences.h"
+#include "server/appstate.h"
+#include "server/networkaccess.h"
+#include "updatermodel.h"
+
+#include <QCoreApplication>
+
+VeltoApp::VeltoApp(Setup setup, QObject *parent)
+    : QObject(parent)
+{
+    m_appState = std::make_unique<AppState>(&m_settings);
+    m_engine = std::make_unique<MpvAudioEngine>();
+    m_player = std::make_unique<PlayerController>(m_engine.get(), PlayerStorage{.settings = &m_settings, .sessionFolder = {}});
+    m_player->setLocalFileLookup([layout = DownloadLayout::standard()](const Song &song, const ServerConfig &config) {
+        return layout.localFileURL(song, config);
+    });
+    m_mpris = std::make_unique<MprisService>(m_player.get(), &NowPlayingArtwork::artURL);
+    m_nowPlayingArtwork = std::make_unique<NowPlayingArtwork>(m_player.get(), m_appState.get(), m_mpris.get());
+    m_sleepWatcher = std::make_unique<SleepWatcher>(m_player.get());
+    m_preferences = std::make_unique<Preferences>(&m_settings);
+    m_updater = std::make_unique<UpdaterModel>(UpdaterModel::Setup{
+        .network = sharedNetworkAccess(),
+        .settings = &m_settings,
+        .feedURL = setup.updateFeedURL,
+        .currentVersion = setup.version,
+    });
+    m_commands = std::make_unique<AppCommands>(m_appState.get(), m_player.get());
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &VeltoApp::aboutToQuit);
+}
+
+VeltoApp::~VeltoApp() = default;
+
+// Synchronous on purpose: nothing asynchronous runs once the event loop has stopped.
+void VeltoApp::aboutToQuit()
+{
+    m_player->saveSession();
+    m_player->flushVolume();
+    m_settings.sync();
+}

@@ -1,0 +1,198 @@
+// The application as a user meets it: the real main window from QML over a local test server, driven by
+// keyboard and mouse. Screenshots of each state are written next to the test build for people to look at.
+
+#include "fakesubsonicserver.h"
+#include "server/appstate.h"
+#include "shell/veltoapp.h"
+
+#include <QDir>
+#include <QQmlApplicationEngine>
+#include <QQmlExtensionPlugin>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QSettings>
+#include <QTest>
+
+Q_IMPORT_QML_PLUGIN(VeltoPlugin)
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString rightPassword = u"open sesame"_s;
+
+// One start of the application: what main() builds, without the event loop.
+struct RunningApp {
+    VeltoApp app{{.updateFeedURL = {}, .version = QVersionNumber(0, 1, 0)}};
+    QQmlApplicationEngine engine;
+    QQuickWindow *window = nullptr;
+
+    RunningApp()
+    {
+        engine.setInitialProperties({{u"app"_s, QVariant::fromValue(&app)}});
+        engine.load(QUrl(u"qrc:/Velto/Main.qml"_s));
+        if (!engine.rootObjects().isEmpty())
+            window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+    }
+
+    template<typename T = QQuickItem>
+    T *find(const QString &name) const
+    {
+        return window->findChild<T *>(name);
+    }
+};
+}
+
+class ConnectUiTest : public QObject
+{
+    Q_OBJECT
+
+    FakeSubsonicServer server;
+    std::unique_ptr<RunningApp> running;
+
+    static QString screenshotDir() { return QStringLiteral(VELTO_SCREENSHOT_DIR); }
+
+    bool start()
+    {
+        running.reset(); // the engine and the app of the last start go first, as at a real quit
+        running = std::make_unique<RunningApp>();
+        return running->window && QTest::qWaitForWindowExposed(running->window);
+    }
+
+    void screenshot(QQuickWindow *window, const QString &name)
+    {
+        QDir().mkpath(screenshotDir());
+        QTest::qWait(100);
+        QVERIFY(window->grabWindow().save(screenshotDir() + u'/' + name + u".png"_s));
+    }
+
+    void typeInto(const QString &field, const QString &text)
+    {
+        QQuickItem *item = running->find(field);
+        QVERIFY2(item, qPrintable(field));
+        const QPoint centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+        QTest::mouseClick(running->window, Qt::LeftButton, {}, centre);
+        QTRY_VERIFY(item->hasActiveFocus());
+        QTest::keySequence(running->window, QKeySequence::SelectAll);
+        for (const QChar c : text)
+            QTest::sendKeyEvent(QTest::Click, running->window, Qt::Key_unknown, QString(c), Qt::NoModifier);
+        QCOMPARE(item->property("text").toString(), text);
+    }
+
+    void pressReturn() { QTest::keyClick(running->window, Qt::Key_Return); }
+
+    void fillForm(const QString &password)
+    {
+        typeInto(u"serverField"_s, server.baseURL().toString());
+        typeInto(u"usernameField"_s, u"alice"_s);
+        typeInto(u"passwordField"_s, password);
+    }
+
+    [[nodiscard]] bool showsMainView() const { return running->find(u"mainView"_s) != nullptr; }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QQuickStyle::setStyle(u"Fusion"_s);
+        server.on(u"ping"_s, [](const RecordedRequest &request) {
+            if (request.value(u"t"_s) == SubsonicClient::token(rightPassword, request.value(u"s"_s)))
+                return FakeSubsonicServer::json({});
+            return FakeResponse{.body = FakeSubsonicServer::failed(40, u"Wrong username or password"_s)};
+        });
+        server.on(u"getPlaylists"_s, FakeSubsonicServer::json({{u"playlists"_s, QJsonObject()}}));
+        server.on(u"getStarred2"_s, FakeSubsonicServer::json({{u"starred2"_s, QJsonObject()}}));
+    }
+
+    void blankFormsAreNotSent()
+    {
+        QVERIFY(start());
+        screenshot(running->window, u"connect-empty"_s);
+        auto *button = running->find(u"connectButton"_s);
+        QVERIFY(!button->isEnabled());
+        typeInto(u"serverField"_s, u"   "_s);
+        typeInto(u"usernameField"_s, u"alice"_s);
+        typeInto(u"passwordField"_s, rightPassword);
+        QVERIFY(!button->isEnabled());
+        pressReturn();
+        QTest::qWait(100);
+        QCOMPARE(server.count(u"ping"_s), 0);
+    }
+
+    void aWrongPasswordIsShownUnderTheForm()
+    {
+        QVERIFY(start());
+        fillForm(u"wrong"_s);
+        QVERIFY(running->find(u"connectButton"_s)->isEnabled());
+        pressReturn();
+        auto *error = running->find(u"errorText"_s);
+        QTRY_VERIFY(error->isVisible());
+        QCOMPARE(error->property("text").toString(), u"Wrong username or password."_s);
+        QVERIFY(!showsMainView());
+        // The fields keep what was typed, ready for a correction.
+        QCOMPARE(running->find(u"serverField"_s)->property("text").toString(), server.baseURL().toString());
+        QVERIFY(running->find(u"serverField"_s)->isEnabled());
+        screenshot(running->window, u"connect-error"_s);
+    }
+
+    void theRightPasswordOpensTheMainViewAndIsRemembered()
+    {
+        QVERIFY(start());
+        fillForm(rightPassword);
+        pressReturn();
+        QTRY_VERIFY(showsMainView());
+        QCOMPARE(running->find(u"signedInServer"_s)->property("text").toString(), server.baseURL().toString());
+        QCOMPARE(running->find(u"signedInUser"_s)->property("text").toString(), u"alice"_s);
+        screenshot(running->window, u"main-placeholder"_s);
+
+        const int pings = server.count(u"ping"_s);
+        QVERIFY(start());
+        QVERIFY(showsMainView()); // restored at once, before any answer could arrive
+        QTest::qWait(200);
+        QCOMPARE(server.count(u"ping"_s), pings);
+    }
+
+    void theSettingsWindowShowsTheAccount()
+    {
+        QVERIFY(start());
+        QVERIFY(showsMainView());
+        auto *settings = running->find<QQuickWindow>(u"settingsWindow"_s);
+        QVERIFY(settings);
+        settings->show();
+        QVERIFY(QTest::qWaitForWindowExposed(settings));
+        QCOMPARE(settings->width(), 400);
+        auto *scrobble = settings->findChild<QQuickItem *>(u"scrobbleSwitch"_s);
+        QVERIFY(scrobble->property("checked").toBool());
+        QCOMPARE(settings->findChild<QQuickItem *>(u"settingsServer"_s)->property("text").toString(),
+                 server.baseURL().toString());
+        screenshot(settings, u"settings-signed-in"_s);
+        settings->close();
+    }
+
+    void logOutReturnsToAnEmptyForm()
+    {
+        QVERIFY(start());
+        QVERIFY(showsMainView());
+        auto *logOut = running->find(u"logOutButton"_s);
+        const QPoint centre = logOut->mapToScene(QPointF(logOut->width() / 2, logOut->height() / 2)).toPoint();
+        QTest::mouseClick(running->window, Qt::LeftButton, {}, centre);
+        QTRY_VERIFY(!showsMainView());
+        QTRY_VERIFY(running->find(u"serverField"_s));
+        for (const QString &field : {u"serverField"_s, u"usernameField"_s, u"passwordField"_s})
+            QCOMPARE(running->find(field)->property("text").toString(), QString());
+        QVERIFY(!running->app.settings()->contains(u"serverURL"_s));
+
+        auto *settings = running->find<QQuickWindow>(u"settingsWindow"_s);
+        settings->show();
+        QVERIFY(QTest::qWaitForWindowExposed(settings));
+        screenshot(settings, u"settings-not-connected"_s);
+        settings->close();
+
+        QVERIFY(start()); // and a later start stays signed out
+        QVERIFY(!showsMainView());
+    }
+
+    void cleanupTestCase() { running.reset(); }
+};
+
+QTEST_MAIN(ConnectUiTest)
+#include "tst_connectui.moc"

@@ -1,0 +1,194 @@
+#include "../playback/playertesthelpers.h"
+#include "library/librarystore.h"
+#include "server/appstate.h"
+#include "shell/appcommands.h"
+#include "shell/localnetwork.h"
+#include "shell/preferences.h"
+#include "shell/symbolicons.h"
+
+#include <QFontDatabase>
+#include <QRawFont>
+#include <QStandardPaths>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class ShellRulesTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir dir;
+
+    std::unique_ptr<QSettings> freshSettings()
+    {
+        auto settings = std::make_unique<QSettings>(dir.filePath(u"settings.ini"_s), QSettings::IniFormat);
+        settings->clear();
+        return settings;
+    }
+
+private Q_SLOTS:
+    void localHosts_data()
+    {
+        QTest::addColumn<std::optional<QString>>("host");
+        QTest::addColumn<bool>("local");
+        const auto row = [](const char *name, std::optional<QString> host, bool local) {
+            QTest::newRow(name) << host << local;
+        };
+        row("mDNS name, any case", u"NAS.LOCAL"_s, true);
+        row("localhost", u"localhost"_s, true);
+        row(".lan", u"music.lan"_s, true);
+        row(".home", u"box.home"_s, true);
+        row(".internal", u"srv.internal"_s, true);
+        row(".home.arpa", u"pi.home.arpa"_s, true);
+        row("10/8", u"10.1.2.3"_s, true);
+        row("127/8", u"127.0.0.1"_s, true);
+        row("172.16/12 top", u"172.31.0.1"_s, true);
+        row("172.16/12 just outside", u"172.32.0.1"_s, false);
+        row("192.168/16", u"192.168.1.20"_s, true);
+        row("link-local v4", u"169.254.9.9"_s, true);
+        row("public v4", u"203.0.113.7"_s, false);
+        row("unique local v6", u"fd00::1"_s, true);
+        row("fc00::/7 lower half", u"fc12::5"_s, true);
+        row("link-local v6", u"fe80::1"_s, true);
+        row("fe80::/10 upper edge", u"febf::1"_s, true);
+        row("just past fe80::/10", u"fec0::1"_s, false);
+        row("loopback v6", u"::1"_s, true);
+        row("loopback v6 written out", u"0:0:0:0:0:0:0:1"_s, false);
+        row("documentation v6", u"2001:db8::1"_s, false);
+        row("public name", u"music.example.org"_s, false);
+        row("name ending like a suffix", u"mylocal"_s, false);
+        row("short v4 form is a name", u"10.1"_s, false);
+        row("absent", std::nullopt, false);
+        row("empty", u""_s, false);
+    }
+
+    void localHosts()
+    {
+        QFETCH(std::optional<QString>, host);
+        QFETCH(bool, local);
+        QCOMPARE(isLikelyLocalHost(host), local);
+    }
+
+    void playbackItemsFollowTheCurrentSong()
+    {
+        auto settings = freshSettings();
+        AppState appState(settings.get());
+        Player player;
+        AppCommands commands(&appState, &player.controller);
+        QVERIFY(!commands.canControlPlayback());
+        QCOMPARE(commands.playPauseTitle(), u"Play"_s);
+
+        QSignalSpy enabled(&commands, &AppCommands::canControlPlaybackChanged);
+        QSignalSpy title(&commands, &AppCommands::playPauseTitleChanged);
+        player.play(u"a b"_s);
+        QVERIFY(commands.canControlPlayback());
+        QVERIFY(enabled.count() >= 1);
+        QCOMPARE(commands.playPauseTitle(), u"Pause"_s);
+        QVERIFY(title.count() >= 1);
+
+        commands.next();
+        QCOMPARE(player.current(), u"b"_s);
+        commands.previous();
+        QCOMPARE(player.current(), u"a"_s);
+        commands.togglePlayPause();
+        QCOMPARE(commands.playPauseTitle(), u"Play"_s);
+
+        player.controller.stop();
+        QVERIFY(!commands.canControlPlayback());
+        commands.togglePlayPause(); // a disabled item does nothing
+        QVERIFY(!player.controller.isPlaying());
+    }
+
+    void refreshNeedsALibrary()
+    {
+        auto settings = freshSettings();
+        AppState appState(settings.get());
+        Player player;
+        AppCommands commands(&appState, &player.controller);
+        QVERIFY(!commands.canRefresh());
+        commands.refresh(); // signed out: nothing to refresh, nothing breaks
+    }
+
+    void newPlaylistIsOfferedByTheWindowThatPublishedIt()
+    {
+        auto settings = freshSettings();
+        AppState appState(settings.get());
+        Player player;
+        AppCommands commands(&appState, &player.controller);
+        QSignalSpy requested(&commands, &AppCommands::newPlaylistRequested);
+        QVERIFY(!commands.canCreatePlaylist());
+        commands.newPlaylist();
+        QCOMPARE(requested.count(), 0);
+
+        auto first = std::make_unique<QObject>();
+        QObject second;
+        commands.publishNewPlaylist(first.get());
+        QVERIFY(commands.canCreatePlaylist());
+        commands.withdrawNewPlaylist(&second); // not the publisher: no effect
+        QVERIFY(commands.canCreatePlaylist());
+        commands.newPlaylist();
+        QCOMPARE(requested.count(), 1);
+        QCOMPARE(requested.at(0).at(0).value<QObject *>(), first.get());
+
+        QSignalSpy changed(&commands, &AppCommands::canCreatePlaylistChanged);
+        first.reset(); // a closed window takes its action with it
+        QVERIFY(!commands.canCreatePlaylist());
+        QVERIFY(changed.count() >= 1);
+    }
+
+    void logOutStopsAndForgetsTheSession()
+    {
+        auto settings = freshSettings();
+        settings->setValue(u"serverURL"_s, u"http://127.0.0.1:9"_s);
+        settings->setValue(u"username"_s, u"u"_s);
+        AppState appState(settings.get());
+        Player player;
+        AppCommands commands(&appState, &player.controller);
+        player.play(u"a b c"_s);
+        player.controller.saveSession();
+        const QString sessionFile =
+            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velto/session.json"_s;
+        QVERIFY(QFile::exists(sessionFile));
+
+        commands.logOut();
+        QVERIFY(!player.controller.currentSong());
+        QVERIFY(!QFile::exists(sessionFile));
+        QVERIFY(!settings->contains(u"serverURL"_s));
+        QVERIFY(!settings->contains(u"username"_s));
+    }
+
+    void scrobblingIsOnUntilTurnedOff()
+    {
+        auto settings = freshSettings();
+        Preferences preferences(settings.get());
+        QVERIFY(preferences.scrobbleEnabled());
+        QSignalSpy changed(&preferences, &Preferences::scrobbleEnabledChanged);
+        preferences.setScrobbleEnabled(true);
+        QCOMPARE(changed.count(), 0);
+        preferences.setScrobbleEnabled(false);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(settings->value(u"scrobbleEnabled"_s).toBool(), false);
+        QVERIFY(!Preferences(settings.get()).scrobbleEnabled());
+    }
+
+    void symbolsReachTheIconFont()
+    {
+        const int font = QFontDatabase::addApplicationFont(SymbolIcons::fontPath());
+        QVERIFY2(font >= 0, "the Material Icons font is not installed");
+        QVERIFY(QFontDatabase::applicationFontFamilies(font).contains(SymbolIcons::fontFamily()));
+        const QRawFont raw(SymbolIcons::fontPath(), 16);
+        for (const QString &name : {u"music.note.house.fill"_s, u"play.fill"_s, u"heart"_s, u"heart.fill"_s,
+                                    u"exclamationmark.triangle"_s, u"arrow.down.circle"_s}) {
+            QVERIFY2(SymbolIcons::hasGlyph(name), qPrintable(name));
+            QVERIFY2(raw.supportsCharacter(SymbolIcons::glyph(name).at(0)), qPrintable(name));
+        }
+        QVERIFY(!SymbolIcons::hasGlyph(u"no.such.symbol"_s));
+        QVERIFY(raw.supportsCharacter(SymbolIcons::glyph(u"no.such.symbol"_s).at(0)));
+    }
+};
+
+QTEST_MAIN(ShellRulesTest)
+#include "tst_shellrules.moc"
