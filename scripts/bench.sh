@@ -10,7 +10,7 @@ if [ ! -f "$build/build.ninja" ]; then
   cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELTO_BUILD_TESTS=OFF >&2
 fi
 cmake --build "$build" >&2
-export QT_QPA_PLATFORM=offscreen
+# Each benchmark runs in fresh folders with a keyring of its own, on the offscreen platform.
 for bench in "$build"/bench/bench_*; do
-  if [ -f "$bench" ] && [ -x "$bench" ]; then "$bench"; fi
+  if [ -f "$bench" ] && [ -x "$bench" ]; then bash scripts/test-env.sh --keyring -- "$bench"; fi
 done

@@ -7,6 +7,7 @@ Dialog {
     anchors.centerIn: parent
     modal: true
     title: qsTr("About Velto")
+    width: 320
     standardButtons: Dialog.Close
 
     contentItem: ColumnLayout {

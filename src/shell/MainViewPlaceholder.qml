@@ -9,6 +9,7 @@ Item {
     required property VeltoApp app
 
     objectName: "mainView"
+    Component.onCompleted: app.mainViewAppeared()
 
     ColumnLayout {
         anchors.centerIn: parent

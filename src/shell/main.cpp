@@ -1,6 +1,6 @@
 #include "shell/symbolicons.h"
 #include "shell/veltoapp.h"
-#include "shell/windowsizekeeper.h"
+#include "shell/mainwindow.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -34,12 +34,9 @@ int main(int argc, char *argv[])
     });
 
     QQmlApplicationEngine engine;
-    engine.setInitialProperties({{u"app"_s, QVariant::fromValue(&velto)}});
-    engine.load(QUrl(u"qrc:/Velto/Main.qml"_s));
-    if (engine.rootObjects().isEmpty())
+    QQuickWindow *window = loadMainWindow(engine, velto);
+    if (!window)
         return 1;
-    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-    WindowSizeKeeper sizeKeeper(window, velto.settings(), u"mainWindowSize"_s);
     // For measuring start-up time from outside: QT_LOGGING_RULES="velto.startup.info=true".
     QObject::connect(window, &QQuickWindow::frameSwapped, window, [] { qCInfo(lcStartup, "first frame"); },
                      Qt::SingleShotConnection);

@@ -1,6 +1,8 @@
 #include "veltoapp.h"
 
 #include "appcommands.h"
+#include "library/librarystore.h"
+#include "localnetwork.h"
 #include "nowplayingartwork.h"
 #include "offline/downloadlayout.h"
 #include "playback/mprisservice.h"
@@ -38,6 +40,19 @@ VeltoApp::VeltoApp(Setup setup, QObject *parent)
 }
 
 VeltoApp::~VeltoApp() = default;
+
+void VeltoApp::mainViewAppeared()
+{
+    const std::optional<SubsonicClient> &client = m_appState->client();
+    LibraryStore *library = m_appState->library();
+    if (!client || !library)
+        return;
+    library->ensurePlaylistsLoaded();
+    library->ensureStarredLoaded();
+    if (isLikelyLocalHost(client->config().baseURL.host(QUrl::FullyEncoded)))
+        LocalNetworkPrompter::trigger();
+    m_player->restoreSession(*client);
+}
 
 // Synchronous on purpose: nothing asynchronous runs once the event loop has stopped.
 void VeltoApp::aboutToQuit()

@@ -48,6 +48,10 @@ public:
     [[nodiscard]] AppCommands *commands() const { return m_commands.get(); }
     [[nodiscard]] Preferences *preferences() const { return m_preferences.get(); }
 
+    // The main view's start-up work for the signed-in account: the lists every screen needs, the local
+    // network check, and the queue of the last run, restored paused.
+    Q_INVOKABLE void mainViewAppeared();
+
 private:
     void aboutToQuit();
 

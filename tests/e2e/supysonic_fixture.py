@@ -4,7 +4,7 @@
 Usage:
     python3 tests/e2e/supysonic_fixture.py --workdir DIR [--port N]
                                            [--user NAME --password PASS]
-                                           [--keep-state] [--ignore-stdin]
+                                           [--keep-state] [--ignore-stdin] [--demo]
 
 Everything lives under DIR: the generated library (DIR/library, described by
 DIR/library.json), supysonic.conf, the sqlite database, caches and logs. The
@@ -16,6 +16,9 @@ wrong token is forwarded with a wrong password so Supysonic answers error 40.
 
 Each start restores the freshly scanned database (same IDs, no playlists,
 stars or ratings left over) unless --keep-state is given.
+
+With --demo the same albums are made as songs of a minute or so, plucked
+notes instead of a bare tone, for a library that is pleasant to try by hand.
 
 Once listening it prints "READY <port>" on stdout and serves until SIGTERM,
 SIGINT or EOF on stdin (unless --ignore-stdin is given).
@@ -47,6 +50,8 @@ except ImportError:
     sys.exit("supysonic_fixture: supysonic/waitress are not importable")
 
 LIBRARY_VERSION = 1
+DEMO_LIBRARY_VERSION = "demo-1"
+DEMO_STRETCH = 25  # a two-second test song becomes fifty seconds
 
 # (artist, album, year, genre, cover colour or None, songs)
 # song: (disc, track, title, seconds, extension)
@@ -98,7 +103,17 @@ def safe_name(text):
     return "".join("_" if c in '/\\:*?"<>|' else c for c in text)
 
 
-def generate_library(workdir):
+def tone_source(n, seconds, demo):
+    if not demo:
+        return "sine=frequency={}:sample_rate=44100:duration={}".format(220 + 55 * n, seconds)
+    # A four-note arpeggio on a root that changes per song, each note fading out like a plucked string.
+    root = 196 * 2 ** ((n * 5 % 12) / 12)
+    note = "{r}*pow(2,floor(mod(t*4,4))*4/12)".format(r=root)
+    expr = "0.3*sin(2*PI*{note}*t)*exp(-5*mod(t,0.25))".format(note=note)
+    return "aevalsrc=exprs='{e}|{e}':sample_rate=44100:duration={d}".format(e=expr, d=seconds)
+
+
+def generate_library(workdir, demo):
     """Create DIR/library with ffmpeg and describe it in DIR/library.json."""
     if shutil.which("ffmpeg") is None:
         fail("ffmpeg not found in PATH")
@@ -116,14 +131,15 @@ def generate_library(workdir):
         discs = max(s[0] for s in songs)
         entries = []
         for n, (disc, track, title, seconds, ext) in enumerate(songs):
+            if demo:
+                seconds *= DEMO_STRETCH
             name = "{}-{:02d} - {}.{}".format(disc, track, safe_name(title), ext)
             rel_path = os.path.join(rel_dir, name)
             tracks_on_disc = sum(1 for s in songs if s[0] == disc)
             tags = {"title": title, "artist": artist, "album": album, "album_artist": artist,
                     "track": "{}/{}".format(track, tracks_on_disc), "disc": "{}/{}".format(disc, discs),
                     "date": str(year), "genre": genre}
-            cmd = ffmpeg + ["-f", "lavfi", "-i",
-                            "sine=frequency={}:sample_rate=44100:duration={}".format(220 + 55 * n, seconds)]
+            cmd = ffmpeg + ["-f", "lavfi", "-i", tone_source(n, seconds, demo)]
             for key, value in tags.items():
                 cmd += ["-metadata", "{}={}".format(key, value)]
             jobs.append((cmd + CODECS[ext] + [os.path.join(tmp, rel_path)], os.path.join(tmp, rel_path), mtime + n))
@@ -153,7 +169,7 @@ def generate_library(workdir):
     for artist in dict.fromkeys(a["artist"] for a in albums):
         artists.append({"name": artist, "albums": [a["name"] for a in albums if a["artist"] == artist]})
     description = {
-        "version": LIBRARY_VERSION,
+        "version": DEMO_LIBRARY_VERSION if demo else LIBRARY_VERSION,
         "artists": artists,
         "albums": albums,
         "newestAlbums": [a["name"] for a in reversed(albums)],
@@ -166,10 +182,11 @@ def generate_library(workdir):
         json.dump(description, f, ensure_ascii=False, indent=2)
 
 
-def library_is_ready(workdir):
+def library_is_ready(workdir, demo):
+    expected = DEMO_LIBRARY_VERSION if demo else LIBRARY_VERSION
     try:
         with open(os.path.join(workdir, "library.json"), encoding="utf-8") as f:
-            ok = json.load(f).get("version") == LIBRARY_VERSION
+            ok = json.load(f).get("version") == expected
         return ok and os.path.isdir(os.path.join(workdir, "library"))
     except (OSError, ValueError):
         return False
@@ -250,15 +267,16 @@ def main():
     parser.add_argument("--password", default="sesame-ünï 1")
     parser.add_argument("--keep-state", action="store_true",
                         help="keep playlists, stars, ratings... from the previous run")
+    parser.add_argument("--demo", action="store_true", help="minute-long songs for trying Velto by hand")
     parser.add_argument("--ignore-stdin", action="store_true",
                         help="do not stop on stdin EOF (for running in the background)")
     args = parser.parse_args()
 
     workdir = os.path.abspath(args.workdir)
     os.makedirs(workdir, exist_ok=True)
-    fresh = not library_is_ready(workdir)
+    fresh = not library_is_ready(workdir, args.demo)
     if fresh:
-        generate_library(workdir)
+        generate_library(workdir, args.demo)
     config_path = write_config(workdir)
     if fresh or not database_is_ready(workdir, args.user, args.password):
         setup_database(workdir, args.user, args.password)

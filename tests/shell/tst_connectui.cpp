@@ -2,10 +2,16 @@
 // keyboard and mouse. Screenshots of each state are written next to the test build for people to look at.
 
 #include "fakesubsonicserver.h"
+#include "playback/playercontroller.h"
+#include "playback/sessionsnapshot.h"
 #include "server/appstate.h"
+#include "shell/mainwindow.h"
 #include "shell/veltoapp.h"
 
 #include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QStandardPaths>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
@@ -27,13 +33,7 @@ struct RunningApp {
     QQmlApplicationEngine engine;
     QQuickWindow *window = nullptr;
 
-    RunningApp()
-    {
-        engine.setInitialProperties({{u"app"_s, QVariant::fromValue(&app)}});
-        engine.load(QUrl(u"qrc:/Velto/Main.qml"_s));
-        if (!engine.rootObjects().isEmpty())
-            window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-    }
+    RunningApp() { window = loadMainWindow(engine, app); }
 
     template<typename T = QQuickItem>
     T *find(const QString &name) const
@@ -143,6 +143,8 @@ private Q_SLOTS:
         QCOMPARE(running->find(u"signedInServer"_s)->property("text").toString(), server.baseURL().toString());
         QCOMPARE(running->find(u"signedInUser"_s)->property("text").toString(), u"alice"_s);
         screenshot(running->window, u"main-placeholder"_s);
+        QTRY_VERIFY(server.count(u"getPlaylists"_s) >= 1); // the main view's start-up work ran
+        QTRY_VERIFY(server.count(u"getStarred2"_s) >= 1);
 
         const int pings = server.count(u"ping"_s);
         QVERIFY(start());
@@ -168,6 +170,28 @@ private Q_SLOTS:
         settings->close();
     }
 
+    void theLastQueueComesBackPaused()
+    {
+        const QList<Song> queue{Song{.id = u"s1"_s, .title = u"First"_s, .duration = 200},
+                                Song{.id = u"s2"_s, .title = u"Second"_s, .duration = 200}};
+        SessionSnapshot snapshot{.serverKey = u"alice@"_s + server.baseURL().toString(), .queue = queue};
+        snapshot.currentIndex = 1;
+        snapshot.currentTime = 42;
+        const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velto"_s;
+        QDir().mkpath(folder);
+        QFile file(folder + u"/session.json"_s);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QJsonDocument(snapshot.toJson()).toJson());
+        file.close();
+
+        QVERIFY(start());
+        PlayerController *player = running->app.player();
+        QTRY_VERIFY(player->currentSong().has_value());
+        QCOMPARE(player->currentSong()->id, u"s2"_s);
+        QCOMPARE(player->currentTime(), 42.0);
+        QVERIFY(!player->isPlaying());
+    }
+
     void logOutReturnsToAnEmptyForm()
     {
         QVERIFY(start());
@@ -189,6 +213,15 @@ private Q_SLOTS:
 
         QVERIFY(start()); // and a later start stays signed out
         QVERIFY(!showsMainView());
+    }
+
+    void theWindowKeepsItsSize()
+    {
+        QVERIFY(start());
+        running->window->resize(900, 640);
+        QTRY_COMPARE(running->window->size(), QSize(900, 640));
+        QVERIFY(start());
+        QCOMPARE(running->window->size(), QSize(900, 640));
     }
 
     void cleanupTestCase() { running.reset(); }
