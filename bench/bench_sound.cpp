@@ -86,6 +86,7 @@ QList<Song> songs(const QString &ids)
 double playToAudioMs(const QString &outputPath, const SubsonicClient &client, PlayerController::LocalFileLookup lookup)
 {
     MpvAudioEngine engine(MpvAudioEngine::Options{.audioOutput = u"pcm"_s, .audioOutputFile = outputPath});
+    engine.start();
     PlayerController controller(&engine);
     controller.setLocalFileLookup(std::move(lookup));
     QElapsedTimer timer;

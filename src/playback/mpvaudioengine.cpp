@@ -1,5 +1,6 @@
 #include "mpvaudioengine.h"
 
+#include "mpvlibrary.h"
 #include "mpvnode.h"
 
 #include <mpv/client.h>
@@ -14,16 +15,9 @@ namespace {
 // The product's position tick; mpv reports time-pos about ten times a second.
 constexpr int tickIntervalMs = 500;
 
-mpv_handle *createMpv()
+void setOption(const MpvLibrary &mpv, mpv_handle *handle, const char *name, const QString &value)
 {
-    // mpv refuses to start under any numeric locale but "C", and QCoreApplication sets the system's one.
-    std::setlocale(LC_NUMERIC, "C");
-    return mpv_create();
-}
-
-void setOption(mpv_handle *mpv, const char *name, const QString &value)
-{
-    mpv_set_option_string(mpv, name, value.toUtf8().constData());
+    mpv.setOptionString(handle, name, value.toUtf8().constData());
 }
 
 QList<OutputDevice> readDevices(const mpv_node &list)
@@ -50,46 +44,8 @@ MpvAudioEngine::MpvAudioEngine(QObject *parent)
 
 MpvAudioEngine::MpvAudioEngine(const Options &options, QObject *parent)
     : AudioEngine(parent)
-    , m_mpv(createMpv())
+    , m_options(options)
 {
-    // Without a handle nothing can play; failing here is better than a player that silently never sounds.
-    Q_ASSERT(m_mpv);
-    setOption(m_mpv, "config", QStringLiteral("no"));
-    setOption(m_mpv, "terminal", QStringLiteral("no"));
-    setOption(m_mpv, "input-default-bindings", QStringLiteral("no"));
-    setOption(m_mpv, "input-vo-keyboard", QStringLiteral("no"));
-    setOption(m_mpv, "load-scripts", QStringLiteral("no"));
-    setOption(m_mpv, "ytdl", QStringLiteral("no"));
-    setOption(m_mpv, "video", QStringLiteral("no"));
-    setOption(m_mpv, "vo", QStringLiteral("null"));
-    // Embedded cover art would otherwise count as a video track.
-    setOption(m_mpv, "audio-display", QStringLiteral("no"));
-    setOption(m_mpv, "idle", QStringLiteral("yes"));
-    setOption(m_mpv, "gapless-audio", QStringLiteral("yes"));
-    setOption(m_mpv, "prefetch-playlist", QStringLiteral("yes"));
-    setOption(m_mpv, "audio-client-name", QStringLiteral("Velto"));
-    if (!options.audioOutput.isEmpty())
-        setOption(m_mpv, "ao", options.audioOutput);
-    if (!options.audioOutputFile.isEmpty())
-        setOption(m_mpv, "ao-pcm-file", options.audioOutputFile);
-    if (!options.audioFilter.isEmpty())
-        setOption(m_mpv, "af", options.audioFilter);
-    mpv_initialize(m_mpv);
-
-    mpv_observe_property(m_mpv, 0, "time-pos", MPV_FORMAT_DOUBLE);
-    mpv_observe_property(m_mpv, 0, "duration", MPV_FORMAT_DOUBLE);
-    mpv_observe_property(m_mpv, 0, "audio-device-list", MPV_FORMAT_NODE);
-    mpv_observe_property(m_mpv, 0, "audio-device", MPV_FORMAT_STRING);
-
-    // mpv calls this on a thread of its own: only post to the main thread, and read the events there.
-    mpv_set_wakeup_callback(
-        m_mpv,
-        [](void *context) {
-            QMetaObject::invokeMethod(static_cast<MpvAudioEngine *>(context), &MpvAudioEngine::drainEvents,
-                                      Qt::QueuedConnection);
-        },
-        this);
-
     m_tick.setInterval(tickIntervalMs);
     connect(&m_tick, &QTimer::timeout, this, &MpvAudioEngine::emitTick);
     m_tick.start();
@@ -97,9 +53,77 @@ MpvAudioEngine::MpvAudioEngine(const Options &options, QObject *parent)
 
 MpvAudioEngine::~MpvAudioEngine()
 {
-    mpv_set_wakeup_callback(m_mpv, nullptr, nullptr);
+    if (!m_mpv)
+        return;
+    m_library->setWakeupCallback(m_mpv, nullptr, nullptr);
     // Joins mpv's threads; drains already posted are dropped with this object.
-    mpv_terminate_destroy(m_mpv);
+    m_library->terminateDestroy(m_mpv);
+}
+
+QFuture<void> MpvAudioEngine::loadLibrary()
+{
+    return MpvLibrary::load().then([](const MpvLibrary *) { });
+}
+
+mpv_handle *MpvAudioEngine::mpv()
+{
+    if (!m_mpv && !m_unavailable)
+        createMpv();
+    return m_mpv;
+}
+
+void MpvAudioEngine::createMpv()
+{
+    m_library = MpvLibrary::get();
+    // mpv refuses to start under any numeric locale but "C", and QCoreApplication sets the system's one.
+    std::setlocale(LC_NUMERIC, "C");
+    m_mpv = m_library ? m_library->create() : nullptr;
+    if (!m_mpv) {
+        // Nothing will sound, but the rest of Velto works: browsing, downloads, the queue.
+        m_unavailable = true;
+        qWarning("Velto cannot play audio: libmpv could not be started");
+        return;
+    }
+    const MpvLibrary &lib = *m_library;
+    setOption(lib, m_mpv, "config", QStringLiteral("no"));
+    setOption(lib, m_mpv, "terminal", QStringLiteral("no"));
+    setOption(lib, m_mpv, "input-default-bindings", QStringLiteral("no"));
+    setOption(lib, m_mpv, "input-vo-keyboard", QStringLiteral("no"));
+    setOption(lib, m_mpv, "load-scripts", QStringLiteral("no"));
+    setOption(lib, m_mpv, "ytdl", QStringLiteral("no"));
+    setOption(lib, m_mpv, "video", QStringLiteral("no"));
+    setOption(lib, m_mpv, "vo", QStringLiteral("null"));
+    // Embedded cover art would otherwise count as a video track.
+    setOption(lib, m_mpv, "audio-display", QStringLiteral("no"));
+    setOption(lib, m_mpv, "idle", QStringLiteral("yes"));
+    setOption(lib, m_mpv, "gapless-audio", QStringLiteral("yes"));
+    setOption(lib, m_mpv, "prefetch-playlist", QStringLiteral("yes"));
+    setOption(lib, m_mpv, "audio-client-name", QStringLiteral("Velto"));
+    if (!m_options.audioOutput.isEmpty())
+        setOption(lib, m_mpv, "ao", m_options.audioOutput);
+    if (!m_options.audioOutputFile.isEmpty())
+        setOption(lib, m_mpv, "ao-pcm-file", m_options.audioOutputFile);
+    if (!m_options.audioFilter.isEmpty())
+        setOption(lib, m_mpv, "af", m_options.audioFilter);
+    lib.initialize(m_mpv);
+
+    lib.observeProperty(m_mpv, 0, "time-pos", MPV_FORMAT_DOUBLE);
+    lib.observeProperty(m_mpv, 0, "duration", MPV_FORMAT_DOUBLE);
+    lib.observeProperty(m_mpv, 0, "audio-device-list", MPV_FORMAT_NODE);
+    lib.observeProperty(m_mpv, 0, "audio-device", MPV_FORMAT_STRING);
+
+    // mpv calls this on a thread of its own: only post to the main thread, and read the events there.
+    lib.setWakeupCallback(
+        m_mpv,
+        [](void *context) {
+            QMetaObject::invokeMethod(static_cast<MpvAudioEngine *>(context), &MpvAudioEngine::drainEvents,
+                                      Qt::QueuedConnection);
+        },
+        this);
+    if (m_volume)
+        applyVolume(*m_volume);
+    if (!m_outputDevice.isEmpty())
+        lib.setPropertyString(m_mpv, "audio-device", m_outputDevice.toUtf8().constData());
 }
 
 QList<EngineItemId> MpvAudioEngine::items() const
@@ -115,6 +139,8 @@ std::optional<EngineItemId> MpvAudioEngine::insert(const PlayerItem &item, std::
         return std::nullopt;
     // "append-play" also for the second entry: should the first have ended a moment ago, an idle mpv would
     // leave a plain "append" waiting forever.
+    if (!mpv())
+        return std::nullopt;
     const QString url = item.url.isLocalFile() ? item.url.toLocalFile() : item.url.toString(QUrl::FullyEncoded);
     mpv_node result{};
     if (MpvNode::Command("loadfile").arg("url", url).arg("flags", QStringLiteral("append-play")).run(m_mpv, &result)
@@ -122,7 +148,7 @@ std::optional<EngineItemId> MpvAudioEngine::insert(const PlayerItem &item, std::
         return std::nullopt;
     const mpv_node *idNode = MpvNode::find(result, "playlist_entry_id");
     const std::optional<qint64> id = idNode ? MpvNode::intValue(*idNode) : std::nullopt;
-    mpv_free_node_contents(&result);
+    m_library->freeNodeContents(&result);
     if (!id)
         return std::nullopt;
     if (intoEmpty) {
@@ -150,7 +176,8 @@ void MpvAudioEngine::removeAll()
     m_lastTick.reset();
     m_timePos = 0;
     // "stop" empties mpv's playlist; with idle on, mpv waits for the next file.
-    MpvNode::Command("stop").run(m_mpv);
+    if (m_mpv)
+        MpvNode::Command("stop").run(m_mpv);
 }
 
 void MpvAudioEngine::advance()
@@ -169,27 +196,39 @@ void MpvAudioEngine::advance()
 void MpvAudioEngine::play()
 {
     int flag = 0;
-    mpv_set_property(m_mpv, "pause", MPV_FORMAT_FLAG, &flag);
+    if (mpv())
+        m_library->setProperty(m_mpv, "pause", MPV_FORMAT_FLAG, &flag);
 }
 
 void MpvAudioEngine::pause()
 {
     int flag = 1;
-    mpv_set_property(m_mpv, "pause", MPV_FORMAT_FLAG, &flag);
+    if (mpv())
+        m_library->setProperty(m_mpv, "pause", MPV_FORMAT_FLAG, &flag);
 }
 
 void MpvAudioEngine::seek(double seconds)
 {
+    if (!mpv())
+        return;
     MpvNode::Command("seek").arg("target", seconds).arg("flags", QStringLiteral("absolute+exact")).run(m_mpv);
     m_timePos = std::max(seconds, 0.0);
     m_lastTick = m_timePos;
 }
 
+// Kept until mpv starts, so that setting the saved volume at start-up does not load mpv early.
 void MpvAudioEngine::setVolume(float volume)
+{
+    m_volume = volume;
+    if (m_mpv)
+        applyVolume(volume);
+}
+
+void MpvAudioEngine::applyVolume(float volume)
 {
     // mpv's volume is a percentage on a cubic curve, which already follows loudness as people hear it.
     double percent = std::clamp(double(volume), 0.0, 1.0) * 100.0;
-    mpv_set_property(m_mpv, "volume", MPV_FORMAT_DOUBLE, &percent);
+    m_library->setProperty(m_mpv, "volume", MPV_FORMAT_DOUBLE, &percent);
 }
 
 std::optional<double> MpvAudioEngine::currentDuration() const
@@ -201,14 +240,18 @@ std::optional<double> MpvAudioEngine::currentDuration() const
 
 void MpvAudioEngine::setOutputDevice(const QString &name)
 {
-    const QByteArray value = name.toUtf8();
-    mpv_set_property_string(m_mpv, "audio-device", value.constData());
+    if (m_mpv) {
+        m_library->setPropertyString(m_mpv, "audio-device", name.toUtf8().constData());
+    } else if (name != m_outputDevice) {
+        m_outputDevice = name; // handed to mpv when it starts
+        Q_EMIT outputDevicesChanged();
+    }
 }
 
 void MpvAudioEngine::drainEvents()
 {
     while (m_mpv) {
-        const mpv_event *event = mpv_wait_event(m_mpv, 0);
+        const mpv_event *event = m_library->waitEvent(m_mpv, 0);
         if (event->event_id == MPV_EVENT_NONE)
             break;
         handleEvent(*event);
@@ -300,7 +343,7 @@ void MpvAudioEngine::emitTick()
 std::optional<qsizetype> MpvAudioEngine::playlistIndexOf(EngineItemId entry) const
 {
     mpv_node playlist{};
-    if (mpv_get_property(m_mpv, "playlist", MPV_FORMAT_NODE, &playlist) < 0)
+    if (!m_mpv || m_library->getProperty(m_mpv, "playlist", MPV_FORMAT_NODE, &playlist) < 0)
         return std::nullopt;
     std::optional<qsizetype> index;
     const QList<const mpv_node *> entries = MpvNode::elements(playlist);
@@ -309,7 +352,7 @@ std::optional<qsizetype> MpvAudioEngine::playlistIndexOf(EngineItemId entry) con
         if (id && MpvNode::intValue(*id) == entry)
             index = i;
     }
-    mpv_free_node_contents(&playlist);
+    m_library->freeNodeContents(&playlist);
     return index;
 }
 

@@ -6,8 +6,10 @@
 
 #include "audioengine.h"
 
+#include <QFuture>
 #include <QTimer>
 
+struct MpvLibrary;
 struct mpv_handle;
 struct mpv_event;
 
@@ -23,10 +25,15 @@ public:
         QString audioFilter;      // mpv's "af", e.g. "lavfi=[arealtime]" to pace a file output in real time
     };
 
-    // Sets LC_NUMERIC to "C" for mpv; make it after the Qt application, which sets the system's locale.
+    // mpv itself starts at the first call that needs it, and then sets LC_NUMERIC to "C" for itself.
     explicit MpvAudioEngine(QObject *parent = nullptr);
     explicit MpvAudioEngine(const Options &options, QObject *parent = nullptr);
     ~MpvAudioEngine() override;
+
+    // Loads libmpv on a worker thread, so that the first song need not wait for it.
+    static QFuture<void> loadLibrary();
+    // Starts mpv now rather than at the first song, so that the outputs are known before anything plays.
+    void start() { mpv(); }
 
     [[nodiscard]] QList<EngineItemId> items() const override;
     std::optional<EngineItemId> insert(const PlayerItem &item, std::optional<EngineItemId> after) override;
@@ -46,6 +53,9 @@ public:
     void setOutputDevice(const QString &name) override;
 
 private:
+    mpv_handle *mpv();
+    void createMpv();
+    void applyVolume(float volume);
     void drainEvents();
     void handleEvent(const mpv_event &event);
     void handleEndFile(EngineItemId entry, int reason);
@@ -54,7 +64,11 @@ private:
     [[nodiscard]] std::optional<qsizetype> playlistIndexOf(EngineItemId entry) const;
     void removeFromMpv(EngineItemId entry);
 
+    Options m_options;
+    const MpvLibrary *m_library = nullptr;
     mpv_handle *m_mpv = nullptr;
+    bool m_unavailable = false;
+    std::optional<float> m_volume;
     QList<EngineItemId> m_entries;
     // The entry whose file mpv is opening now, so that "file loaded" can name it.
     std::optional<EngineItemId> m_loadingEntry;

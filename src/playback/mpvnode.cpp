@@ -1,5 +1,7 @@
 #include "mpvnode.h"
 
+#include "mpvlibrary.h"
+
 #include <cstring>
 
 namespace MpvNode {
@@ -60,9 +62,9 @@ int Command::run(mpv_handle *mpv, mpv_node *result)
     args.format = MPV_FORMAT_NODE_MAP;
     args.u.list = &list;
     mpv_node ignored{};
-    const int status = mpv_command_node(mpv, &args, result ? result : &ignored);
+    const int status = MpvLibrary::get()->commandNode(mpv, &args, result ? result : &ignored);
     if (!result && status >= 0)
-        mpv_free_node_contents(&ignored);
+        MpvLibrary::get()->freeNodeContents(&ignored);
     return status;
 }
 

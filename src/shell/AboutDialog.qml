@@ -4,11 +4,13 @@ import QtQuick.Layouts
 import Velto
 
 Dialog {
-    anchors.centerIn: parent
+    parent: Overlay.overlay
+    anchors.centerIn: Overlay.overlay
     modal: true
     title: qsTr("About Velto")
     width: 320
     standardButtons: Dialog.Close
+    Component.onCompleted: open()
 
     contentItem: ColumnLayout {
         spacing: 6

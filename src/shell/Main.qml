@@ -15,12 +15,8 @@ ApplicationWindow {
 
     menuBar: AppMenuBar {
         app: window.app
-        onSettingsRequested: {
-            settingsWindow.show()
-            settingsWindow.raise()
-            settingsWindow.requestActivate()
-        }
-        onAboutRequested: aboutDialog.open()
+        onSettingsRequested: window.showSettings()
+        onAboutRequested: aboutLoader.active = true
     }
 
     RootView {
@@ -28,13 +24,32 @@ ApplicationWindow {
         app: window.app
     }
 
-    SettingsWindow {
-        id: settingsWindow
-        objectName: "settingsWindow"
-        app: window.app
+    // Made when first needed: start-up builds only what the first frame shows.
+    Loader {
+        id: settingsLoader
+        active: false
+        sourceComponent: SettingsWindow {
+            objectName: "settingsWindow"
+            app: window.app
+        }
     }
-    UpdateDialog { updater: window.app.updater }
-    AboutDialog { id: aboutDialog }
+    Loader {
+        active: window.app.updater.hasReport
+        sourceComponent: UpdateDialog { updater: window.app.updater }
+    }
+    Loader {
+        id: aboutLoader
+        active: false
+        sourceComponent: AboutDialog { onClosed: aboutLoader.active = false }
+    }
+
+    function showSettings() {
+        settingsLoader.active = true
+        const settings = settingsLoader.item
+        settings.show()
+        settings.raise()
+        settings.requestActivate()
+    }
 
     Component.onCompleted: app.updater.checkOnLaunch()
 }

@@ -8,10 +8,11 @@ Dialog {
     id: dialog
     required property UpdaterModel updater
 
-    anchors.centerIn: parent
-    width: Math.min(parent ? parent.width - 80 : 420, 420)
+    parent: Overlay.overlay
+    anchors.centerIn: Overlay.overlay
+    width: 420
     modal: true
-    visible: updater.hasReport
+    Component.onCompleted: open()
     title: updater.reportTitle
     onClosed: updater.dismissReport()
 

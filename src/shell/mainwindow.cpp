@@ -15,7 +15,11 @@ QQuickWindow *loadMainWindow(QQmlApplicationEngine &engine, VeltoApp &app)
     if (engine.rootObjects().isEmpty())
         return nullptr;
     auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-    if (window)
-        new WindowSizeKeeper(window, app.settings(), u"mainWindowSize"_s, window);
+    if (!window)
+        return nullptr;
+    new WindowSizeKeeper(window, app.settings(), u"mainWindowSize"_s, window);
+    QObject::connect(window, &QQuickWindow::frameSwapped, &app, [&app] {
+        QMetaObject::invokeMethod(&app, &VeltoApp::windowShown, Qt::QueuedConnection);
+    }, Qt::SingleShotConnection);
     return window;
 }

@@ -51,7 +51,31 @@ void VeltoApp::mainViewAppeared()
     library->ensureStarredLoaded();
     if (isLikelyLocalHost(client->config().baseURL.host(QUrl::FullyEncoded)))
         LocalNetworkPrompter::trigger();
-    m_player->restoreSession(*client);
+    // Restoring starts the audio engine, which waits for libmpv; windowShown() brings it in without delaying
+    // the first frame.
+    m_restorePending = true;
+    if (m_audioLoaded)
+        restorePlayerSession();
+}
+
+void VeltoApp::windowShown()
+{
+    if (m_audioLoadStarted)
+        return;
+    m_audioLoadStarted = true;
+    MpvAudioEngine::loadLibrary().then(this, [this] {
+        m_audioLoaded = true;
+        m_engine->start();
+        if (m_restorePending)
+            restorePlayerSession();
+    });
+}
+
+void VeltoApp::restorePlayerSession()
+{
+    m_restorePending = false;
+    if (const std::optional<SubsonicClient> &client = m_appState->client())
+        m_player->restoreSession(*client);
 }
 
 // Synchronous on purpose: nothing asynchronous runs once the event loop has stopped.

@@ -13,7 +13,7 @@
 
 class AppCommands;
 class AppState;
-class AudioEngine;
+class MpvAudioEngine;
 class MprisService;
 class NowPlayingArtwork;
 class PlayerController;
@@ -51,13 +51,16 @@ public:
     // The main view's start-up work for the signed-in account: the lists every screen needs, the local
     // network check, and the queue of the last run, restored paused.
     Q_INVOKABLE void mainViewAppeared();
+    // The main window's first frame is on screen: time for the work that would have delayed it.
+    void windowShown();
 
 private:
     void aboutToQuit();
+    void restorePlayerSession();
 
     QSettings m_settings;
     std::unique_ptr<AppState> m_appState;
-    std::unique_ptr<AudioEngine> m_engine;
+    std::unique_ptr<MpvAudioEngine> m_engine;
     std::unique_ptr<PlayerController> m_player;
     std::unique_ptr<MprisService> m_mpris;
     std::unique_ptr<NowPlayingArtwork> m_nowPlayingArtwork;
@@ -65,4 +68,7 @@ private:
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<UpdaterModel> m_updater;
     std::unique_ptr<AppCommands> m_commands;
+    bool m_audioLoadStarted = false;
+    bool m_audioLoaded = false;
+    bool m_restorePending = false;
 };

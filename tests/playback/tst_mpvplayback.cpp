@@ -201,6 +201,7 @@ private Q_SLOTS:
     {
         RealPlayer player(*m_tone, nextOutputPath());
         QSignalSpy changed(&player.controller(), &PlayerController::outputDevicesChanged);
+        player.engine().start();
         // mpv always offers its own choice, "auto", and starts on it.
         QTRY_VERIFY(!player.controller().outputDevices().isEmpty());
         QTRY_COMPARE(player.controller().outputDevice(), u"auto"_s);

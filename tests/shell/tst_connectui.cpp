@@ -88,6 +88,15 @@ class ConnectUiTest : public QObject
         typeInto(u"passwordField"_s, password);
     }
 
+    QQuickWindow *openSettings()
+    {
+        QMetaObject::invokeMethod(running->window, "showSettings");
+        auto *settings = running->find<QQuickWindow>(u"settingsWindow"_s);
+        if (settings && !QTest::qWaitForWindowExposed(settings))
+            return nullptr;
+        return settings;
+    }
+
     [[nodiscard]] bool showsMainView() const { return running->find(u"mainView"_s) != nullptr; }
 
 private Q_SLOTS:
@@ -157,10 +166,8 @@ private Q_SLOTS:
     {
         QVERIFY(start());
         QVERIFY(showsMainView());
-        auto *settings = running->find<QQuickWindow>(u"settingsWindow"_s);
+        QQuickWindow *settings = openSettings();
         QVERIFY(settings);
-        settings->show();
-        QVERIFY(QTest::qWaitForWindowExposed(settings));
         QCOMPARE(settings->width(), 400);
         auto *scrobble = settings->findChild<QQuickItem *>(u"scrobbleSwitch"_s);
         QVERIFY(scrobble->property("checked").toBool());
@@ -205,9 +212,8 @@ private Q_SLOTS:
             QCOMPARE(running->find(field)->property("text").toString(), QString());
         QVERIFY(!running->app.settings()->contains(u"serverURL"_s));
 
-        auto *settings = running->find<QQuickWindow>(u"settingsWindow"_s);
-        settings->show();
-        QVERIFY(QTest::qWaitForWindowExposed(settings));
+        QQuickWindow *settings = openSettings();
+        QVERIFY(settings);
         screenshot(settings, u"settings-not-connected"_s);
         settings->close();
 
