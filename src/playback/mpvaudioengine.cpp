@@ -8,12 +8,30 @@
 #include <QMetaObject>
 
 #include <algorithm>
+#include <utility>
 #include <clocale>
 #include <cmath>
 
 namespace {
 // The product's position tick; mpv reports time-pos about ten times a second.
 constexpr int tickIntervalMs = 500;
+
+// No configuration of the user's own mpv, no terminal or input of its own, sound only, gapless.
+constexpr std::pair<const char *, const char *> fixedOptions[] = {
+    {"config", "no"},
+    {"terminal", "no"},
+    {"input-default-bindings", "no"},
+    {"input-vo-keyboard", "no"},
+    {"load-scripts", "no"},
+    {"ytdl", "no"},
+    {"video", "no"},
+    {"vo", "null"},
+    {"audio-display", "no"}, // embedded cover art would otherwise count as a video track
+    {"idle", "yes"},
+    {"gapless-audio", "yes"},
+    {"prefetch-playlist", "yes"},
+    {"audio-client-name", "Velto"},
+};
 
 void setOption(const MpvLibrary &mpv, mpv_handle *handle, const char *name, const QString &value)
 {
@@ -85,20 +103,8 @@ void MpvAudioEngine::createMpv()
         return;
     }
     const MpvLibrary &lib = *m_library;
-    setOption(lib, m_mpv, "config", QStringLiteral("no"));
-    setOption(lib, m_mpv, "terminal", QStringLiteral("no"));
-    setOption(lib, m_mpv, "input-default-bindings", QStringLiteral("no"));
-    setOption(lib, m_mpv, "input-vo-keyboard", QStringLiteral("no"));
-    setOption(lib, m_mpv, "load-scripts", QStringLiteral("no"));
-    setOption(lib, m_mpv, "ytdl", QStringLiteral("no"));
-    setOption(lib, m_mpv, "video", QStringLiteral("no"));
-    setOption(lib, m_mpv, "vo", QStringLiteral("null"));
-    // Embedded cover art would otherwise count as a video track.
-    setOption(lib, m_mpv, "audio-display", QStringLiteral("no"));
-    setOption(lib, m_mpv, "idle", QStringLiteral("yes"));
-    setOption(lib, m_mpv, "gapless-audio", QStringLiteral("yes"));
-    setOption(lib, m_mpv, "prefetch-playlist", QStringLiteral("yes"));
-    setOption(lib, m_mpv, "audio-client-name", QStringLiteral("Velto"));
+    for (const auto &[name, value] : fixedOptions)
+        lib.setOptionString(m_mpv, name, value);
     if (!m_options.audioOutput.isEmpty())
         setOption(lib, m_mpv, "ao", m_options.audioOutput);
     if (!m_options.audioOutputFile.isEmpty())
