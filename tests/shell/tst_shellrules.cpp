@@ -1,5 +1,9 @@
 #include "../playback/playertesthelpers.h"
+#include "fakesubsonicserver.h"
+#include "library/connectionfault.h"
 #include "library/librarystore.h"
+#include "server/subsonicerror.h"
+#include "shell/connectform.h"
 #include "server/appstate.h"
 #include "shell/appcommands.h"
 #include "shell/localnetwork.h"
@@ -158,6 +162,64 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(sessionFile));
         QVERIFY(!settings->contains(u"serverURL"_s));
         QVERIFY(!settings->contains(u"username"_s));
+    }
+
+    void theFormMaySendOnlyWhatItCanSend_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<bool>("sendable");
+        QTest::newRow("complete") << u"music.example.org"_s << u"alice"_s << u"pw"_s << true;
+        QTest::newRow("blank address") << u" \t "_s << u"alice"_s << u"pw"_s << false;
+        QTest::newRow("line end is not a blank") << u"\n"_s << u"alice"_s << u"pw"_s << true;
+        QTest::newRow("blank user passes") << u"music.example.org"_s << u"  "_s << u"pw"_s << true;
+        QTest::newRow("no user") << u"music.example.org"_s << QString() << u"pw"_s << false;
+        QTest::newRow("no password") << u"music.example.org"_s << u"alice"_s << QString() << false;
+    }
+
+    void theFormMaySendOnlyWhatItCanSend()
+    {
+        QFETCH(QString, address);
+        QFETCH(QString, user);
+        QFETCH(QString, password);
+        QFETCH(bool, sendable);
+        ConnectForm form;
+        form.setServerURL(address);
+        form.setUsername(user);
+        form.setPassword(password);
+        QCOMPARE(form.canConnect(), sendable);
+    }
+
+    void aRunningConnectHoldsTheForm()
+    {
+        FakeSubsonicServer server;
+        server.on(u"ping"_s, FakeResponse{.body = FakeSubsonicServer::failed(40, u"no"_s), .delayMs = 300});
+        auto settings = freshSettings();
+        AppState appState(settings.get());
+        ConnectForm form;
+        form.setAppState(&appState);
+        form.setServerURL(server.baseURL().toString());
+        form.setUsername(u"alice"_s);
+        form.setPassword(u"wrong"_s);
+
+        form.submit();
+        QVERIFY(form.isConnecting());
+        QVERIFY(!form.canConnect());
+        form.submit(); // a second Return while the first runs
+        QTRY_VERIFY(!form.isConnecting());
+        QCOMPARE(server.count(u"ping"_s), 1);
+        QCOMPARE(form.errorMessage(), u"Wrong username or password."_s);
+        QCOMPARE(form.password(), u"wrong"_s);
+        QVERIFY(!appState.isSignedIn());
+
+        // The next attempt starts by clearing the last error.
+        QSignalSpy errors(&form, &ConnectForm::errorMessageChanged);
+        form.setServerURL(u"://"_s);
+        form.submit();
+        QVERIFY(errors.count() >= 1);
+        QTRY_VERIFY(!form.isConnecting());
+        QCOMPARE(form.errorMessage(), errorDescription(std::make_exception_ptr(SubsonicError::invalidResponse())));
     }
 
     void scrobblingIsOnUntilTurnedOff()
