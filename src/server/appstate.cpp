@@ -1,6 +1,8 @@
 #include "appstate.h"
 
+#include "artwork/artworkfetcher.h"
 #include "keychain.h"
+#include "offline/downloadstore.h"
 
 #include <QSettings>
 
@@ -81,5 +83,10 @@ void AppState::logout()
 void AppState::setClient(std::optional<SubsonicClient> client)
 {
     m_client = std::move(client);
+    // A running download holds the store it began in until it ends; nothing is cancelled here.
+    m_downloads = m_client ? DownloadStore::create(*m_client) : nullptr;
+    if (!m_client)
+        ArtworkFetcher::shared().setOfflineDirectory(std::nullopt);
     Q_EMIT clientChanged();
+    Q_EMIT downloadsChanged();
 }

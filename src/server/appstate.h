@@ -8,14 +8,18 @@
 #include <QObject>
 #include <QPointer>
 
+#include <memory>
 #include <optional>
 
+class DownloadStore;
 class QSettings;
 
 class AppState : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(bool signedIn READ isSignedIn NOTIFY clientChanged)
+    Q_PROPERTY(DownloadStore *downloads READ downloads NOTIFY downloadsChanged)
+    Q_MOC_INCLUDE("offline/downloadstore.h")
 
 public:
     // `settings` holds the saved account; `network` is handed to every client (the shared manager when null).
@@ -23,6 +27,8 @@ public:
 
     [[nodiscard]] bool isSignedIn() const { return m_client.has_value(); }
     [[nodiscard]] const std::optional<SubsonicClient> &client() const { return m_client; }
+    // Present exactly while a client is.
+    [[nodiscard]] DownloadStore *downloads() const { return m_downloads.get(); }
 
     // Proves the account with a ping, then saves and adopts it. Throws what the ping threw and changes nothing.
     QCoro::Task<> connect(QString urlString, QString username, QString password,
@@ -31,6 +37,7 @@ public:
 
 Q_SIGNALS:
     void clientChanged();
+    void downloadsChanged();
 
 private:
     void restoreSession();
@@ -39,4 +46,5 @@ private:
     QSettings *m_settings;
     QNetworkAccessManager *m_network;
     std::optional<SubsonicClient> m_client;
+    std::shared_ptr<DownloadStore> m_downloads;
 };
