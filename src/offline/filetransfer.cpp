@@ -4,24 +4,39 @@
 #include <QCoroNetworkReply>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QTemporaryFile>
+#include <QRandomGenerator>
 #include <QtConcurrent>
 
 #include <unistd.h>
 
-using namespace Qt::StringLiterals;
 
 namespace {
 // How far the network may run ahead of the disk. Chunks are written as they come, so this is only reached when
 // the disk is slower than the network; it keeps the memory of a transfer small whatever the file's size.
 constexpr qint64 readBufferBytes = 1024 * 1024;
 
+// The partial file of one transfer. Until it is handed over it is deleted with its last holder, which may be the
+// reply's handler for a moment after the transfer's coroutine has returned.
 struct Receiver {
-    QTemporaryFile file;
+    QFile file;
+    bool created = false;
+    bool handedOver = false;
     bool judged = false;
     bool refused = false;
     bool writeFailed = false;
+
+    ~Receiver()
+    {
+        file.close();
+        if (created && !handedOver)
+            file.remove();
+    }
 };
+
+QString partialFilePath(const QString &directory)
+{
+    return directory + u'/' + partialFilePrefix + QString::number(QRandomGenerator::global()->generate64(), 16);
+}
 
 bool carriesFile(const QNetworkReply &reply)
 {
@@ -31,21 +46,22 @@ bool carriesFile(const QNetworkReply &reply)
     return !isServerMessageType(reply.rawHeader("Content-Type"));
 }
 
-// Writes what has arrived. The answer is judged once, on its headers, before a byte of it reaches the disk.
+// Writes what has arrived. The answer is judged once, on its headers, before a byte of it reaches the disk. A
+// refused answer is read and dropped to its end, so that it neither fills the reply's buffer nor stalls it.
 void receive(QNetworkReply &reply, Receiver &receiver)
 {
     if (!receiver.judged) {
         receiver.judged = true;
         receiver.refused = !carriesFile(reply);
     }
-    if (!receiver.refused && !receiver.writeFailed) {
-        const QByteArray chunk = reply.readAll();
-        if (receiver.file.write(chunk) == chunk.size())
-            return;
+    const QByteArray chunk = reply.readAll();
+    if (receiver.refused || receiver.writeFailed)
+        return;
+    if (receiver.file.write(chunk) != chunk.size()) {
         receiver.writeFailed = true;
+        if (reply.isRunning())
+            reply.abort();
     }
-    if (reply.isRunning())
-        reply.abort();
 }
 }
 
@@ -63,10 +79,10 @@ QCoro::Task<std::optional<QString>> fetchToFile(QNetworkAccessManager *network, 
 {
     if (token.isCancelled())
         co_return std::nullopt;
-    // Until it is handed over, the temporary file removes itself with the last holder of the receiver.
     auto receiver = std::make_shared<Receiver>();
-    receiver->file.setFileTemplate(directory + u'/' + partialFilePrefix + "XXXXXX"_L1);
-    if (!receiver->file.open())
+    receiver->file.setFileName(partialFilePath(directory));
+    receiver->created = receiver->file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+    if (!receiver->created)
         co_return std::nullopt;
 
     QNetworkReply *reply = network->get(QNetworkRequest(url));
@@ -90,7 +106,7 @@ QCoro::Task<std::optional<QString>> fetchToFile(QNetworkAccessManager *network, 
     if (!durable)
         co_return std::nullopt;
     receiver->file.close();
-    receiver->file.setAutoRemove(false);
+    receiver->handedOver = true;
     co_return receiver->file.fileName();
 }
 
