@@ -4,20 +4,11 @@
 #include "downloadstore.h"
 
 #include "artwork/artworkfetcher.h"
+#include "atomicwrite.h"
 #include "filetransfer.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
-
-namespace {
-void writeAtomically(const QString &path, const QByteArray &bytes)
-{
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size())
-        file.commit();
-}
-}
 
 // Fills in covers that were missed before, for every stored song.
 void DownloadStore::startArtworkSweep()

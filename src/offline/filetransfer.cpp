@@ -81,7 +81,7 @@ QCoro::Task<std::optional<QString>> fetchToFile(QNetworkAccessManager *network, 
         co_return std::nullopt;
     auto receiver = std::make_shared<Receiver>();
     receiver->file.setFileName(partialFilePath(directory));
-    receiver->created = receiver->file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+    receiver->created = receiver->file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
     if (!receiver->created)
         co_return std::nullopt;
 
