@@ -63,7 +63,8 @@ void DownloadStore::pruneArtwork()
     const QDir folder(artworkDirectory());
     if (!folder.exists())
         return;
-    const QFileInfoList entries = folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    const QFileInfoList entries =
+        folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries) {
         if (!kept.contains(entry.fileName()))
             removeEntry(entry);

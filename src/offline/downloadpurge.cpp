@@ -22,7 +22,7 @@ void DownloadStore::purge(const QString &owner)
 void DownloadStore::removeAll()
 {
     // The runs are let go of before they are cancelled: a run may resume inside cancel(), and one that finds
-    // itself no longer registered touches nothing of the store.
+    // itself no longer registered leaves the store's records alone.
     const QHash<QString, RunningDownload> running = std::exchange(m_tasks, {});
     if (!running.isEmpty())
         Q_EMIT tasksChanged();

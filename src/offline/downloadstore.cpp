@@ -11,6 +11,7 @@
 #include <QNetworkAccessManager>
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 // A transfer that receives nothing for this long fails, like an API request: a connection that died without a
@@ -84,13 +85,14 @@ QList<DownloadCollection> DownloadStore::downloadedCollections() const
     }
     QList<DownloadCollection> collections = m_manifest.collections.values();
     // Name and key break ties only so that the order does not change from one call to the next.
-    std::sort(collections.begin(), collections.end(), [&bytes](const DownloadCollection &a, const DownloadCollection &b) {
+    const auto largerFirst = [&bytes](const DownloadCollection &a, const DownloadCollection &b) {
         const qint64 bytesA = bytes.value(a.key);
         const qint64 bytesB = bytes.value(b.key);
         if (bytesA != bytesB)
             return bytesA > bytesB;
         return std::tie(a.name, a.key) < std::tie(b.name, b.key);
-    });
+    };
+    std::sort(collections.begin(), collections.end(), largerFirst);
     return collections;
 }
 

@@ -19,6 +19,7 @@
 #include <QObject>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -39,8 +40,8 @@ public:
 
     // Loads the account's manifest, points the artwork cache at its cover folder, and starts the sweep that
     // fetches covers missed before. The store is deleted with deleteLater once the last holder lets go.
-    [[nodiscard]] static std::shared_ptr<DownloadStore> create(SubsonicClient client,
-                                                               const DownloadLayout &layout = DownloadLayout::standard());
+    [[nodiscard]] static std::shared_ptr<DownloadStore>
+    create(SubsonicClient client, const DownloadLayout &layout = DownloadLayout::standard());
     ~DownloadStore() override;
 
     [[nodiscard]] const SubsonicClient &client() const { return m_client; }

@@ -81,6 +81,7 @@ QCoro::Task<std::optional<QString>> fetchToFile(QNetworkAccessManager *network, 
         co_return std::nullopt;
     auto receiver = std::make_shared<Receiver>();
     receiver->file.setFileName(partialFilePath(directory));
+    // Unbuffered, so that a write the disk refuses fails with its own chunk, not later inside a flush.
     receiver->created = receiver->file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
     if (!receiver->created)
         co_return std::nullopt;
@@ -95,7 +96,7 @@ QCoro::Task<std::optional<QString>> fetchToFile(QNetworkAccessManager *network, 
     if (token.isCancelled() || reply->error() != QNetworkReply::NoError)
         co_return std::nullopt;
     receive(*reply, *receiver); // the rest, and the verdict on an empty body
-    if (receiver->refused || receiver->writeFailed || !receiver->file.flush())
+    if (receiver->refused || receiver->writeFailed)
         co_return std::nullopt;
 
     // The manifest will say this file is whole, so its bytes reach the disk first; a full disk may only show

@@ -23,7 +23,8 @@ private Q_SLOTS:
         DownloadRig rig;
         rig.server.on(u"ping"_s, FakeSubsonicServer::json({}));
         rig.serveAlbum(u"A"_s, numberedSongs(3));
-        rig.scripted.insert(u"s3"_s, FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s3"_s), .delayMs = 300});
+        rig.scripted.insert(u"s3"_s,
+                            FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s3"_s), .delayMs = 300});
         QSettings settings(rig.root.filePath(u"settings.ini"_s), QSettings::IniFormat);
         AppState state(&settings);
         QCOMPARE(state.downloads(), nullptr);
