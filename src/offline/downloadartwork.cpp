@@ -10,6 +10,16 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
+namespace {
+bool usesCover(const DownloadManifest &manifest, const QString &coverArt)
+{
+    return std::any_of(manifest.songs.cbegin(), manifest.songs.cend(),
+                       [&coverArt](const DownloadedSong &stored) { return stored.song.coverArt == coverArt; });
+}
+}
+
 // Fills in covers that were missed before, for every stored song.
 void DownloadStore::startArtworkSweep()
 {
@@ -48,7 +58,8 @@ QCoro::Task<> DownloadStore::downloadArtwork(QList<Song> songs, CancelToken toke
             co_await fetchToMemory(m_network, url, ArtworkFetcher::maxCoverBytes, token);
         if (token.isCancelled())
             co_return;
-        if (bytes)
+        // The sweep is not stopped by a removal: a cover whose last song went meanwhile is not kept.
+        if (bytes && usesCover(m_manifest, *song.coverArt))
             writeAtomically(path, *bytes);
     }
 }

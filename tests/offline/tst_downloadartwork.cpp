@@ -105,6 +105,27 @@ private Q_SLOTS:
         QCOMPARE(coversAsked(), QStringList());
     }
 
+    void aCoverArrivingAfterItsSongsWentIsNotKept()
+    {
+        rig->serveAlbum(u"A"_s, coveredSongs());
+        rig->server.on(u"getCoverArt"_s, FakeResponse{.status = 404, .contentType = "text/plain"});
+        store->downloadAlbum(testAlbum(u"A"_s));
+        QTRY_VERIFY(!store->isRunning(u"album:A"_s));
+        store.reset();
+
+        rig->server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
+            return FakeResponse{.contentType = "image/jpeg", .body = DownloadRig::coverOf(request.value(u"id"_s)),
+                                .delayMs = 200};
+        });
+        rig->server.clearLog();
+        store = rig->makeStore();
+        QTRY_VERIFY(!coversAsked().isEmpty());
+        store->removeDownload(u"album:A"_s);
+        QTRY_VERIFY(!store->isSweepingArtwork());
+        QVERIFY(!coversAsked().isEmpty());
+        QVERIFY(QDir(coverFolder()).isEmpty());
+    }
+
     void aCoverGoesWithTheLastSongThatUsesIt()
     {
         QList<Song> playlist = coveredSongs().mid(1, 1); // s2, "front", shared with the album
