@@ -20,6 +20,7 @@
 #include <sys/prctl.h>
 #include <sys/sendfile.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -74,8 +75,13 @@ void sendAll(int socket, const std::string &text)
     }
 }
 
-// Starts the server in a child process; gives its port.
-int startServer(const char *path)
+struct Server {
+    pid_t pid = 0;
+    int port = 0;
+};
+
+// Starts the server in a child process, which dies with this one.
+Server startServer(const char *path)
 {
     const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
@@ -85,12 +91,13 @@ int startServer(const char *path)
         std::abort();
     socklen_t length = sizeof address;
     ::getsockname(listener, reinterpret_cast<sockaddr *>(&address), &length);
-    if (::fork() == 0) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         serve(listener, path);
     }
     ::close(listener);
-    return ntohs(address.sin_port);
+    return Server{pid, ntohs(address.sin_port)};
 }
 
 qint64 statusField(const char *name)
@@ -147,10 +154,10 @@ int main(int argc, char *argv[])
         for (qint64 written = 0; written < fileBytes; written += block.size())
             file.write(block);
     }
-    const int port = startServer(QFile::encodeName(source).constData());
+    const Server server = startServer(QFile::encodeName(source).constData());
 
     QCoreApplication app(argc, argv);
-    const QUrl base(QStringLiteral("http://127.0.0.1:%1").arg(port));
+    const QUrl base(QStringLiteral("http://127.0.0.1:%1").arg(server.port));
     const SubsonicClient client(ServerConfig{base, QStringLiteral("bench"), QStringLiteral("pw")});
     const std::shared_ptr<DownloadStore> store = DownloadStore::create(client, DownloadLayout(work.filePath("ours")));
     const QString key = albumCollectionKey(QStringLiteral("big"));
@@ -196,5 +203,7 @@ int main(int argc, char *argv[])
     report("download_peak_memory_mb", double(peakBytes) / (1024 * 1024), "MB");
     std::fprintf(stderr, "ours %.1f MB/s, curl %.1f MB/s\n", fileBytes / median(ours) / 1048576.0,
                  fileBytes / median(curls) / 1048576.0);
+    ::kill(server.pid, SIGKILL);
+    ::waitpid(server.pid, nullptr, 0);
     return 0;
 }
