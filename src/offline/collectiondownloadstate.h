@@ -1,8 +1,17 @@
 #pragma once
 
+#include <QMetaType>
+
 // What a screen is told about one album or playlist on disk.
 struct CollectionDownloadState {
+    Q_GADGET
+    Q_PROPERTY(Kind kind MEMBER kind CONSTANT)
+    Q_PROPERTY(int downloaded MEMBER downloaded CONSTANT)
+    Q_PROPERTY(int total MEMBER total CONSTANT)
+
+public:
     enum class Kind { None, Partial, Complete };
+    Q_ENUM(Kind)
 
     Kind kind = Kind::None;
     // Only meaningful for Partial.

@@ -10,6 +10,7 @@
 #include <QHash>
 #include <QJsonObject>
 #include <QList>
+#include <QMetaType>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -28,9 +29,17 @@ struct DownloadedSong {
 };
 
 struct DownloadCollection {
+    Q_GADGET
+    Q_PROPERTY(QString key MEMBER key CONSTANT)
+    Q_PROPERTY(QString name MEMBER name CONSTANT)
+    Q_PROPERTY(QString subtitle READ subtitleText CONSTANT)
+
+public:
     QString key; // "album:<id>" or "playlist:<id>"
     QString name;
     std::optional<QString> subtitle; // the album artist; absent for a playlist
+
+    [[nodiscard]] QString subtitleText() const { return subtitle.value_or(QString()); }
 
     static DownloadCollection fromJson(const QJsonObject &object);
     [[nodiscard]] QJsonObject toJson() const;

@@ -1,12 +1,12 @@
 #include "manifestfile.h"
 
+#include "atomicwrite.h"
 #include "downloadlayout.h"
 #include "server/json.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
-#include <QSaveFile>
 
 DownloadManifest loadManifest(const QString &serverDirectory)
 {
@@ -29,9 +29,5 @@ bool saveManifest(const DownloadManifest &manifest, const QString &serverDirecto
     const QByteArray bytes = QJsonDocument(manifest.toJson()).toJson(QJsonDocument::Compact);
     if (!QDir().mkpath(serverDirectory))
         return false;
-    QSaveFile file(DownloadLayout::manifestPath(serverDirectory));
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(bytes);
-    return file.commit();
+    return writeAtomically(DownloadLayout::manifestPath(serverDirectory), bytes);
 }

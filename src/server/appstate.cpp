@@ -3,6 +3,7 @@
 #include "artwork/artworkfetcher.h"
 #include "keychain.h"
 #include "library/librarystore.h"
+#include "offline/downloadstore.h"
 
 #include <QSettings>
 
@@ -104,7 +105,10 @@ void AppState::setClient(std::optional<SubsonicClient> client)
 {
     m_client = std::move(client);
     m_library.reset(m_client ? new LibraryStore(*m_client) : nullptr);
+    // A running download holds the store it began in until it ends; nothing is cancelled here.
+    m_downloads = m_client ? DownloadStore::create(*m_client) : nullptr;
     if (!m_client)
         ArtworkFetcher::shared().setOfflineDirectory(std::nullopt);
     Q_EMIT clientChanged();
+    Q_EMIT downloadsChanged();
 }

@@ -13,6 +13,7 @@
 #include <optional>
 
 class LibraryStore;
+class DownloadStore;
 class QSettings;
 
 class AppState : public QObject
@@ -24,6 +25,8 @@ class AppState : public QObject
     Q_PROPERTY(QString serverURL READ serverURL NOTIFY clientChanged)
     Q_PROPERTY(QString username READ username NOTIFY clientChanged)
     Q_PROPERTY(LibraryStore *library READ library NOTIFY clientChanged)
+    Q_PROPERTY(DownloadStore *downloads READ downloads NOTIFY downloadsChanged)
+    Q_MOC_INCLUDE("offline/downloadstore.h")
 
 public:
     // `settings` holds the saved account; `network` is handed to every client (the shared manager when null).
@@ -37,6 +40,8 @@ public:
     // The base URL's absolute string and the user name; empty when signed out.
     [[nodiscard]] QString serverURL() const;
     [[nodiscard]] QString username() const;
+    // Present exactly while a client is.
+    [[nodiscard]] DownloadStore *downloads() const { return m_downloads.get(); }
 
     // Proves the account with a ping, then saves and adopts it. Throws what the ping threw and changes nothing.
     QCoro::Task<> connect(QString urlString, QString username, QString password,
@@ -45,6 +50,7 @@ public:
 
 Q_SIGNALS:
     void clientChanged();
+    void downloadsChanged();
 
 private:
     void restoreSession();
@@ -54,4 +60,5 @@ private:
     QNetworkAccessManager *m_network;
     std::optional<SubsonicClient> m_client;
     std::unique_ptr<LibraryStore, void (*)(LibraryStore *)> m_library;
+    std::shared_ptr<DownloadStore> m_downloads;
 };

@@ -6,6 +6,7 @@ Item {
     id: root
     required property VeltoApp app
     readonly property bool showsMainView: app.appState.signedIn && app.appState.library !== null
+                                          && app.appState.downloads !== null
 
     Loader {
         id: loader

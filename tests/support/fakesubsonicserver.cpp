@@ -181,6 +181,10 @@ void FakeSubsonicServer::respond(QTcpSocket *socket, const FakeResponse &respons
         socket->abort();
         return;
     }
+    if (response.stallAfterBytes >= 0) {
+        socket->write(response.body.left(response.stallAfterBytes));
+        return;
+    }
     socket->write(response.body);
     socket->disconnectFromHost();
 }

@@ -24,6 +24,8 @@ struct FakeResponse {
     int delayMs = 0;
     // Sends the full Content-Length but closes the connection after this many body bytes.
     qsizetype dropAfterBytes = -1;
+    // Sends the full Content-Length but only this many body bytes, then neither sends more nor closes.
+    qsizetype stallAfterBytes = -1;
     // Accepts the request and never answers.
     bool hang = false;
 };

@@ -1,0 +1,173 @@
+#pragma once
+
+// A download store over a fake server and a folder of its own: albums and playlists answered from song lists,
+// every song's file served as bytes made from its id unless a test scripts another answer, and the disk read
+// back as a user would find it.
+
+#include "fakesubsonicserver.h"
+#include "offline/downloadstore.h"
+#include "offline/offlinefilename.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+
+inline Song testSong(const QString &id, qint64 track, std::optional<QString> suffix = QStringLiteral("mp3"),
+                     std::optional<QString> coverArt = std::nullopt)
+{
+    Song song;
+    song.id = id;
+    song.title = QStringLiteral("Title ") + id;
+    song.album = QStringLiteral("Album");
+    song.artist = QStringLiteral("Artist");
+    song.track = track;
+    song.discNumber = 1;
+    song.duration = 100 + track;
+    song.suffix = std::move(suffix);
+    song.coverArt = std::move(coverArt);
+    return song;
+}
+
+// s1 … sN, tracks in order.
+inline QList<Song> numberedSongs(int count, int first = 1)
+{
+    QList<Song> songs;
+    for (int i = first; i < first + count; ++i)
+        songs.append(testSong(QStringLiteral("s%1").arg(i), i));
+    return songs;
+}
+
+inline QStringList idsOf(const QList<Song> &songs)
+{
+    QStringList ids;
+    for (const Song &song : songs)
+        ids.append(song.id);
+    return ids;
+}
+
+inline Album testAlbum(const QString &id)
+{
+    return Album{.id = id, .name = QStringLiteral("Album ") + id, .artist = QStringLiteral("Artist")};
+}
+
+// The bytes the server holds for a song: different for every id, a few chunks long.
+inline QByteArray audioOf(const QString &id, qsizetype size = 48 * 1024)
+{
+    QByteArray bytes = id.toUtf8() + ':';
+    return bytes.repeated(size / bytes.size() + 1).left(size);
+}
+
+inline FakeResponse audioAnswer(const QByteArray &bytes)
+{
+    return FakeResponse{.contentType = "audio/mpeg", .body = bytes};
+}
+
+struct DownloadRig {
+    QTemporaryDir root;
+    FakeSubsonicServer server;
+    SubsonicClient client{ServerConfig{server.baseURL(), QStringLiteral("alice"), QStringLiteral("pw")}};
+    // Answers of "download" by song id that replace the song's bytes.
+    QHash<QString, FakeResponse> scripted;
+    // Answers of "getAlbum" and "getPlaylist", keyed "getAlbum:<id>".
+    QHash<QString, FakeResponse> answers;
+
+    DownloadRig()
+    {
+        server.on(QStringLiteral("download"), [this](const RecordedRequest &request) {
+            const QString id = request.value(QStringLiteral("id"));
+            return scripted.value(id, audioAnswer(audioOf(id)));
+        });
+        server.on(QStringLiteral("getCoverArt"), [](const RecordedRequest &request) {
+            return FakeResponse{.contentType = "image/jpeg", .body = coverOf(request.value(QStringLiteral("id")))};
+        });
+    }
+
+    [[nodiscard]] std::shared_ptr<DownloadStore> makeStore() const
+    {
+        return DownloadStore::create(client, DownloadLayout(root.path()));
+    }
+    [[nodiscard]] QString directory() const { return DownloadLayout(root.path()).directory(client.config()); }
+
+    static QByteArray coverOf(const QString &id) { return "cover of " + id.toUtf8(); }
+
+    void serveAlbum(const QString &id, const QList<Song> &songs)
+    {
+        QJsonObject album{{QStringLiteral("id"), id}, {QStringLiteral("name"), QStringLiteral("Album ") + id}};
+        if (!songs.isEmpty())
+            album.insert(QStringLiteral("song"), songArray(songs));
+        answers.insert(QStringLiteral("getAlbum:") + id, FakeSubsonicServer::json({{QStringLiteral("album"), album}}));
+        routeById(QStringLiteral("getAlbum"));
+    }
+
+    void servePlaylist(const QString &id, const QList<Song> &songs)
+    {
+        QJsonObject playlist{{QStringLiteral("id"), id}, {QStringLiteral("name"), QStringLiteral("On server")}};
+        if (!songs.isEmpty())
+            playlist.insert(QStringLiteral("entry"), songArray(songs));
+        answers.insert(QStringLiteral("getPlaylist:") + id,
+                       FakeSubsonicServer::json({{QStringLiteral("playlist"), playlist}}));
+        routeById(QStringLiteral("getPlaylist"));
+    }
+
+    // Ids of the songs whose files were asked for, in order.
+    [[nodiscard]] QStringList requestedSongs() const
+    {
+        QStringList ids;
+        for (const RecordedRequest &request : server.requests(QStringLiteral("download")))
+            ids.append(request.value(QStringLiteral("id")));
+        return ids;
+    }
+
+    [[nodiscard]] QString songFile(const QString &id, const QString &suffix = QStringLiteral("mp3")) const
+    {
+        return directory() + u'/' + DownloadLayout::songFileName(id, suffix);
+    }
+
+    [[nodiscard]] QByteArray contentOf(const QString &id, const QString &suffix = QStringLiteral("mp3")) const
+    {
+        QFile file(songFile(id, suffix));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    // The ids whose files lie in the folder; any other name there but the manifest and the cover folder is
+    // reported as it stands, so that a stray partial file shows up in a comparison.
+    [[nodiscard]] QStringList songsOnDisk(const QStringList &candidates) const
+    {
+        QStringList names = QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        names.removeAll(QStringLiteral("manifest.json"));
+        names.removeAll(QStringLiteral("artwork"));
+        QStringList found;
+        for (const QString &name : std::as_const(names)) {
+            QString shown = name;
+            for (const QString &id : candidates) {
+                if (name.startsWith(offlineFileName(id) + u'.'))
+                    shown = id;
+            }
+            found.append(shown);
+        }
+        found.sort();
+        return found;
+    }
+
+private:
+    static QJsonArray songArray(const QList<Song> &songs)
+    {
+        QJsonArray array;
+        for (const Song &song : songs)
+            array.append(song.toJson());
+        return array;
+    }
+
+    // The fake server keys answers by endpoint; this lets each id of a list endpoint have its own.
+    void routeById(const QString &endpoint)
+    {
+        server.on(endpoint, [this, endpoint](const RecordedRequest &request) {
+            const QString key = endpoint + u':' + request.value(QStringLiteral("id"));
+            if (!answers.contains(key))
+                return FakeResponse{.body = FakeSubsonicServer::failed(70, QStringLiteral("Not found"))};
+            return answers.value(key);
+        });
+    }
+};

@@ -1,0 +1,167 @@
+// What a bad server or a full disk leaves behind: a failed download, the songs stored before the fault, and a
+// manifest that still reads. Never a half file, and never a server's error text kept as a song or a cover.
+
+#include "downloadtesthelpers.h"
+#include "offline/filetransfer.h"
+#include "offline/manifestfile.h"
+
+#include <QFileInfo>
+
+#include <csignal>
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString albumKey = u"album:A"_s;
+const QStringList ids{u"s1"_s, u"s2"_s, u"s3"_s};
+
+// Files written by this process may grow no larger than `bytes` while it lives: the disk is full for them.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN); // the write fails with EFBIG instead of killing the process
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit limited = m_before;
+        limited.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limited);
+    }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before{};
+};
+
+QByteArray fileContent(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+}
+
+class DownloadFaultsTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<DownloadRig> rig;
+    std::shared_ptr<DownloadStore> store;
+
+    // s2 had the fault: s1 is kept for the retry, nothing of s2 is on disk, and the disk agrees with memory.
+    void expectFailedAtTheSecondSong()
+    {
+        QCOMPARE(store->albumProgress(u"A"_s), (DownloadProgress{.total = 3, .completed = 1, .failed = true}));
+        QCOMPARE(rig->songsOnDisk(ids), QStringList{u"s1"_s});
+        QCOMPARE(store->manifest().songs.keys(), QStringList{u"s1"_s});
+        QVERIFY(!store->isDownloaded(albumKey));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        rig = std::make_unique<DownloadRig>();
+        store = rig->makeStore();
+        rig->serveAlbum(u"A"_s, numberedSongs(3));
+    }
+
+    void cleanup()
+    {
+        store.reset();
+        rig.reset();
+    }
+
+    void aServerThatDiesMidFileFailsThatSong()
+    {
+        rig->scripted.insert(u"s2"_s, FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s2"_s),
+                                                   .dropAfterBytes = 30'000});
+        store->downloadAlbum(testAlbum(u"A"_s));
+        QTRY_VERIFY(!store->isRunning(albumKey));
+        expectFailedAtTheSecondSong();
+        QCOMPARE(loadManifest(store->directory()), store->manifest());
+        QCOMPARE(rig->requestedSongs(), (QStringList{u"s1"_s, u"s2"_s}));
+    }
+
+    void aServerMessageWithSuccessIsNeverStored_data()
+    {
+        QTest::addColumn<QByteArray>("contentType");
+        QTest::addColumn<bool>("stored");
+        QTest::newRow("json") << QByteArray("application/json") << false;
+        QTest::newRow("xml with charset") << QByteArray("text/xml; charset=UTF-8") << false;
+        QTest::newRow("application xml") << QByteArray("Application/XML") << false;
+        QTest::newRow("json dialect") << QByteArray("application/problem+json") << false;
+        QTest::newRow("audio") << QByteArray("audio/flac") << true;
+        QTest::newRow("no type") << QByteArray() << true;
+    }
+
+    void aServerMessageWithSuccessIsNeverStored()
+    {
+        QFETCH(QByteArray, contentType);
+        QFETCH(bool, stored);
+        const QByteArray body = FakeSubsonicServer::failed(70, u"Song not found"_s);
+        rig->scripted.insert(u"s2"_s, FakeResponse{.contentType = contentType, .body = body});
+        store->downloadAlbum(testAlbum(u"A"_s));
+        QTRY_VERIFY(!store->isRunning(albumKey));
+        if (stored) {
+            QVERIFY(store->isDownloaded(albumKey));
+            QCOMPARE(rig->contentOf(u"s2"_s), body);
+        } else {
+            expectFailedAtTheSecondSong();
+        }
+    }
+
+    void aServerMessageWithSuccessIsNeverKeptAsACover()
+    {
+        QList<Song> songs = numberedSongs(2);
+        songs[0].coverArt = u"refused"_s;
+        songs[1].coverArt = u"kept"_s;
+        rig->serveAlbum(u"A"_s, songs);
+        rig->server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
+            if (request.value(u"id"_s) == u"refused"_s)
+                return FakeSubsonicServer::json({});
+            return FakeResponse{.contentType = "image/png", .body = DownloadRig::coverOf(request.value(u"id"_s))};
+        });
+        store->downloadAlbum(testAlbum(u"A"_s));
+        QTRY_VERIFY(!store->isRunning(albumKey));
+        const QString covers = DownloadLayout::artworkDirectory(rig->directory());
+        QCOMPARE(QDir(covers).entryList(QDir::Files), QStringList{DownloadLayout::coverFileName(u"kept"_s)});
+        const QString kept = covers + u'/' + DownloadLayout::coverFileName(u"kept"_s);
+        QCOMPARE(fileContent(kept), DownloadRig::coverOf(u"kept"_s));
+        QVERIFY(store->isDownloaded(albumKey)); // a missing cover is no failure of the album
+    }
+
+    void aFullDiskFailsTheSongAndLeavesTheManifestReadable()
+    {
+        // An album already held, so that the manifest on disk has something to lose.
+        rig->serveAlbum(u"B"_s, numberedSongs(6, 10));
+        store->downloadAlbum(testAlbum(u"B"_s));
+        QTRY_VERIFY(store->isDownloaded(u"album:B"_s) && !store->isRunning(u"album:B"_s));
+        const QString manifestPath = DownloadLayout::manifestPath(rig->directory());
+        const QByteArray manifestBefore = fileContent(manifestPath);
+        rig->scripted.insert(u"s1"_s, audioAnswer(audioOf(u"s1"_s, 100)));
+
+        {
+            // s1 fits, s2 does not, and neither does any larger manifest.
+            FileSizeLimit full(manifestBefore.size());
+            store->downloadAlbum(testAlbum(u"A"_s));
+            QTRY_VERIFY(!store->isRunning(u"album:A"_s));
+        }
+        QCOMPARE(store->albumProgress(u"A"_s), (DownloadProgress{.total = 3, .completed = 1, .failed = true}));
+        QCOMPARE(fileContent(manifestPath), manifestBefore);
+        QVERIFY(loadManifest(rig->directory()).isDownloaded(u"album:B"_s));
+        QVERIFY(store->manifest().songs.value(u"s1"_s).owners.contains(albumKey));
+        const QStringList held = idsOf(numberedSongs(6, 10));
+        QCOMPARE(rig->songsOnDisk(ids + held), QStringList{u"s1"_s} + held);
+        QCOMPARE(QFileInfo(rig->songFile(u"s1"_s)).size(), 100);
+
+        // Space again: the retry finishes, and the disk holds what memory holds.
+        store->downloadAlbum(testAlbum(u"A"_s));
+        QTRY_VERIFY(!store->isRunning(albumKey));
+        QVERIFY(store->isDownloaded(albumKey));
+        QCOMPARE(loadManifest(rig->directory()), store->manifest());
+        QCOMPARE(rig->contentOf(u"s2"_s), audioOf(u"s2"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(DownloadFaultsTest)
+#include "tst_downloadfaults.moc"

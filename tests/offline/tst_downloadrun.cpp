@@ -1,0 +1,201 @@
+// A collection's download from start to end: what is fetched, what is recorded, how a failure leaves it and
+// how starting again finishes it without fetching twice.
+
+#include "downloadtesthelpers.h"
+#include "offline/manifestfile.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString albumKey = u"album:A"_s;
+const QString playlistKey = u"playlist:P"_s;
+
+QStringList ownersOf(const DownloadStore &store, const QString &id)
+{
+    QStringList owners = store.manifest().songs.value(id).owners.values();
+    owners.sort();
+    return owners;
+}
+}
+
+class DownloadRunTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<DownloadRig> rig;
+    std::shared_ptr<DownloadStore> store;
+
+    void runToEnd(const QString &key)
+    {
+        QTRY_VERIFY(!store->isRunning(key));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        rig = std::make_unique<DownloadRig>();
+        store = rig->makeStore();
+    }
+
+    void cleanup()
+    {
+        store.reset();
+        rig.reset();
+    }
+
+    void aFailedSongEndsTheRunAndStartingAgainResumes()
+    {
+        const QList<Song> songs = numberedSongs(10);
+        rig->serveAlbum(u"A"_s, songs);
+        rig->scripted.insert(u"s5"_s, FakeResponse{.status = 500, .contentType = "text/plain", .body = "no"});
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+
+        QCOMPARE(store->albumProgress(u"A"_s), (DownloadProgress{.total = 10, .completed = 4, .failed = true}));
+        QCOMPARE(rig->requestedSongs(), idsOf(songs.mid(0, 5)));
+        QCOMPARE(idsOf(store->manifest().songsOwnedBy(albumKey)), idsOf(songs.mid(0, 4)));
+        QVERIFY(!store->isDownloaded(albumKey));
+        QCOMPARE(store->state(albumKey, idsOf(songs)), CollectionDownloadState::partial(4, 10));
+        QCOMPARE(loadManifest(store->directory()), store->manifest());
+
+        rig->scripted.clear();
+        rig->server.clearLog();
+        QList<DownloadProgress> seen;
+        connect(store.get(), &DownloadStore::activeChanged, this, [this, &seen] {
+            if (const auto progress = store->albumProgress(u"A"_s))
+                seen.append(*progress);
+        });
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+
+        QCOMPARE(seen.value(0), (DownloadProgress{.total = 10, .completed = 0, .failed = false}));
+        QCOMPARE(seen.last(), (DownloadProgress{.total = 10, .completed = 10, .failed = false}));
+        QCOMPARE(rig->requestedSongs(), idsOf(songs.mid(4)));
+        QVERIFY(store->isDownloaded(albumKey));
+        QVERIFY(!store->albumProgress(u"A"_s));
+        QCOMPARE(store->state(albumKey, idsOf(songs)), CollectionDownloadState::complete());
+        for (const Song &song : songs)
+            QCOMPARE(rig->contentOf(song.id), audioOf(song.id));
+        QCOMPARE(store->manifest().songs.value(u"s7"_s).bytes, audioOf(u"s7"_s).size());
+        QCOMPARE(store->manifest().collections.value(albumKey),
+                 (DownloadCollection{albumKey, u"Album A"_s, u"Artist"_s}));
+        QCOMPARE(loadManifest(store->directory()), store->manifest());
+    }
+
+    void pressingTwiceDownloadsOnce()
+    {
+        rig->serveAlbum(u"A"_s, numberedSongs(3));
+        store->downloadAlbum(testAlbum(u"A"_s));
+        store->downloadAlbum(testAlbum(u"A"_s));
+        QVERIFY(store->isRunning(albumKey));
+        runToEnd(albumKey);
+        QCOMPARE(rig->server.count(u"getAlbum"_s), 1);
+        QCOMPARE(rig->requestedSongs(), (QStringList{u"s1"_s, u"s2"_s, u"s3"_s}));
+    }
+
+    void aSongListThatFailsLeavesAFailureAndNothingElse()
+    {
+        store->downloadPlaylist(u"missing"_s, u"Gone"_s);
+        runToEnd(u"playlist:missing"_s);
+        QCOMPARE(store->playlistProgress(u"missing"_s), (DownloadProgress{.total = 0, .completed = 0, .failed = true}));
+        QVERIFY(store->manifest().collections.isEmpty());
+        QCOMPARE(rig->server.count(u"download"_s), 0);
+    }
+
+    void anEmptyAlbumIsHeldWithNoSongs()
+    {
+        rig->serveAlbum(u"A"_s, {});
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+        QVERIFY(store->isDownloaded(albumKey));
+        QVERIFY(store->active().isEmpty());
+        QCOMPARE(store->state(albumKey, {}), CollectionDownloadState::complete());
+        QVERIFY(!store->localAlbum(u"A"_s));
+    }
+
+    void aSharedSongIsStoredOnce()
+    {
+        const QList<Song> songs = numberedSongs(4);
+        rig->serveAlbum(u"A"_s, songs.mid(0, 2));
+        rig->servePlaylist(u"P"_s, songs.mid(1, 3));
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+        store->downloadPlaylist(u"P"_s, u"Mix"_s);
+        runToEnd(playlistKey);
+
+        QCOMPARE(rig->requestedSongs(), idsOf(songs));
+        QCOMPARE(ownersOf(*store, u"s2"_s), (QStringList{albumKey, playlistKey}));
+        QCOMPARE(rig->songsOnDisk(idsOf(songs)), idsOf(songs));
+        QCOMPARE(store->manifest().collections.value(playlistKey).name, u"Mix"_s);
+        QCOMPARE(store->manifest().collections.value(playlistKey).subtitle, std::nullopt);
+    }
+
+    void aRecordWhoseFileWentIsFetchedAgainAndKeepsItsRecord()
+    {
+        rig->serveAlbum(u"A"_s, numberedSongs(2));
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+        const DownloadedSong before = store->manifest().songs.value(u"s1"_s);
+        QVERIFY(QFile::remove(rig->songFile(u"s1"_s)));
+        Song renamed = testSong(u"s1"_s, 1);
+        renamed.title = u"Renamed on the server"_s;
+        rig->servePlaylist(u"P"_s, {renamed});
+        rig->server.clearLog();
+
+        store->downloadPlaylist(u"P"_s, u"Mix"_s);
+        runToEnd(playlistKey);
+        QCOMPARE(rig->requestedSongs(), QStringList{u"s1"_s});
+        QCOMPARE(rig->contentOf(u"s1"_s), audioOf(u"s1"_s));
+        DownloadedSong expected = before;
+        expected.owners.insert(playlistKey);
+        QCOMPARE(store->manifest().songs.value(u"s1"_s), expected);
+    }
+
+    void aSongWithoutUsableSuffixIsStoredAsAudio()
+    {
+        const QList<Song> songs{testSong(u"bare"_s, 1, std::nullopt), testSong(u"odd"_s, 2, u"../x"_s)};
+        rig->serveAlbum(u"A"_s, songs);
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+        for (const Song &song : songs) {
+            QCOMPARE(store->manifest().songs.value(song.id).suffix, u"audio"_s);
+            QCOMPARE(rig->contentOf(song.id, u"audio"_s), audioOf(song.id));
+            const std::optional<QUrl> url = DownloadLayout(rig->root.path()).localFileURL(song, rig->client.config());
+            QCOMPARE(url, QUrl::fromLocalFile(rig->songFile(song.id, u"audio"_s)));
+        }
+        QCOMPARE(QDir(rig->root.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 QStringList{QFileInfo(rig->directory()).fileName()});
+    }
+
+    void heldCollectionsReadBackOffline()
+    {
+        QList<Song> songs{testSong(u"b"_s, 2), testSong(u"a"_s, 1), testSong(u"c"_s, 3)};
+        songs[1].coverArt = u"cover-1"_s;
+        rig->serveAlbum(u"A"_s, songs);
+        rig->servePlaylist(u"P"_s, songs.mid(0, 1));
+        store->downloadAlbum(testAlbum(u"A"_s));
+        store->downloadPlaylist(u"P"_s, u"Mix"_s);
+        runToEnd(albumKey);
+        runToEnd(playlistKey);
+
+        const std::optional<Album> album = store->localAlbum(u"A"_s);
+        QVERIFY(album);
+        QCOMPARE(idsOf(album->song.value()), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+        QCOMPARE(album->name, u"Album"_s);
+        QCOMPARE(album->coverArt, u"cover-1"_s);
+        QCOMPARE(album->songCount, qint64(3));
+        QCOMPARE(album->duration, qint64(101 + 102 + 103));
+        const std::optional<PlaylistDetail> playlist = store->localPlaylist(u"P"_s);
+        QVERIFY(playlist);
+        QCOMPARE(playlist->name, u"Mix"_s);
+        QCOMPARE(idsOf(playlist->entry.value()), QStringList{u"b"_s});
+        QCOMPARE(store->downloadedCollections().first().key, albumKey);
+        QCOMPARE(store->downloadedCollections().last().key, playlistKey);
+        QCOMPARE(store->totalBytes(), 3 * audioOf(u"a"_s).size());
+    }
+};
+
+QTEST_GUILESS_MAIN(DownloadRunTest)
+#include "tst_downloadrun.moc"
