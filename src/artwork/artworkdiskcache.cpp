@@ -3,6 +3,7 @@
 
 #include "artworkfetcher.h"
 #include "artworksize.h"
+#include "common/atomicwrite.h"
 #include "offline/offlinefilename.h"
 
 #include <QBuffer>
@@ -11,7 +12,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -107,11 +107,7 @@ std::optional<QImage> ArtworkFetcher::keepFetched(const Job &job, const QByteArr
     if (!image)
         return std::nullopt;
     // The bytes as received, whatever their format; a failed write only costs a fetch next time.
-    QSaveFile file(cachePath(job.directory, job.key));
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(bytes);
-        file.commit();
-    }
+    writeAtomically(cachePath(job.directory, job.key), bytes);
     return image;
 }
 

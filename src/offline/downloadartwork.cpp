@@ -4,7 +4,7 @@
 #include "downloadstore.h"
 
 #include "artwork/artworkfetcher.h"
-#include "atomicwrite.h"
+#include "common/atomicwrite.h"
 #include "filetransfer.h"
 
 #include <QDir>

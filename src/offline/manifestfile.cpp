@@ -1,6 +1,6 @@
 #include "manifestfile.h"
 
-#include "atomicwrite.h"
+#include "common/atomicwrite.h"
 #include "downloadlayout.h"
 #include "server/json.h"
 

@@ -1,5 +1,6 @@
 // The part of PlayerController that writes the playback session to "session.json" and reads it back.
 
+#include "common/atomicwrite.h"
 #include "common/observable.h"
 #include "playercontroller.h"
 #include "playeroperation.h"
@@ -7,7 +8,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -49,11 +49,7 @@ void PlayerController::saveSession()
         .source = m_source,
     };
     QDir().mkpath(m_sessionFolder);
-    QSaveFile file(sessionFilePath());
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    file.write(snapshot.encode());
-    file.commit();
+    writeAtomically(sessionFilePath(), snapshot.encode());
 }
 
 void PlayerController::restoreSession(SubsonicClient client)

@@ -1,4 +1,4 @@
-#include "atomicwrite.h"
+#include "common/atomicwrite.h"
 
 #include <QSaveFile>
 
