@@ -19,6 +19,11 @@ std::function<QCoro::Task<>()> weakRetry(LibraryStore *store, Action action)
     return [store = QPointer<LibraryStore>(store), action] { return runIfAlive(store, action); };
 }
 
+QCoro::Task<> fetchPlaylist(SubsonicClient client, QString id, PlaylistDetail *into)
+{
+    *into = co_await client.playlist(id);
+}
+
 QStringList idsOf(const QList<Song> &songs)
 {
     QStringList ids;
@@ -69,44 +74,43 @@ QCoro::Task<std::optional<QString>> LibraryStore::createPlaylist(QString name)
     co_return std::nullopt;
 }
 
-QCoro::Task<> LibraryStore::renamePlaylist(QString id, QString name)
+QCoro::Task<bool> LibraryStore::sendEdit(QCoro::Task<> request, QString action,
+                                         std::function<QCoro::Task<>()> retry)
 {
     QPointer<LibraryStore> self(this);
+    try {
+        co_await std::move(request);
+    } catch (...) {
+        if (self)
+            note(std::current_exception(), action, std::move(retry));
+        co_return false;
+    }
+    if (!self)
+        co_return false;
+    setReachability(ServerReachability::ok());
+    co_return true;
+}
+
+QCoro::Task<> LibraryStore::renamePlaylist(QString id, QString name)
+{
+    // The client is copied: the request may outlive the store.
     const SubsonicClient client = m_client;
     const QStringList noSongs;
     const QList<int> noIndexes;
-    try {
-        co_await client.updatePlaylist(id, name, noSongs, noIndexes);
-    } catch (...) {
-        if (self) {
-            note(std::current_exception(), QStringLiteral("rename the playlist"),
-                 weakRetry(this, [id, name](LibraryStore *store) { return store->renamePlaylist(id, name); }));
-        }
+    auto retry = weakRetry(this, [id, name](LibraryStore *store) { return store->renamePlaylist(id, name); });
+    if (!co_await sendEdit(client.updatePlaylist(id, name, noSongs, noIndexes), QStringLiteral("rename the playlist"),
+                           std::move(retry)))
         co_return;
-    }
-    if (!self)
-        co_return;
-    setReachability(ServerReachability::ok());
     m_playlistDetails.remove(id);
     co_await reloadPlaylists();
 }
 
 QCoro::Task<bool> LibraryStore::deletePlaylist(QString id)
 {
-    QPointer<LibraryStore> self(this);
     const SubsonicClient client = m_client;
-    try {
-        co_await client.deletePlaylist(id);
-    } catch (...) {
-        if (self) {
-            note(std::current_exception(), QStringLiteral("delete the playlist"),
-                 weakRetry(this, [id](LibraryStore *store) -> QCoro::Task<> { co_await store->deletePlaylist(id); }));
-        }
+    auto retry = weakRetry(this, [id](LibraryStore *store) -> QCoro::Task<> { co_await store->deletePlaylist(id); });
+    if (!co_await sendEdit(client.deletePlaylist(id), QStringLiteral("delete the playlist"), std::move(retry)))
         co_return false;
-    }
-    if (!self)
-        co_return false;
-    setReachability(ServerReachability::ok());
     m_playlistDetails.remove(id);
     QList<Playlist> playlists = m_playlists;
     playlists.removeIf([&](const Playlist &playlist) { return playlist.id == id; });
@@ -118,22 +122,13 @@ QCoro::Task<> LibraryStore::addSongs(QList<Song> songs, QString playlistId)
 {
     if (songs.isEmpty())
         co_return;
-    QPointer<LibraryStore> self(this);
     const SubsonicClient client = m_client;
     const QStringList songIds = idsOf(songs);
     const QList<int> noIndexes;
-    try {
-        co_await client.updatePlaylist(playlistId, std::nullopt, songIds, noIndexes);
-    } catch (...) {
-        if (self) {
-            note(std::current_exception(), QStringLiteral("add to the playlist"),
-                 weakRetry(this, [songs, playlistId](LibraryStore *store) { return store->retryAdd(songs, playlistId); }));
-        }
+    auto retry = weakRetry(this, [songs, playlistId](LibraryStore *store) { return store->retryAdd(songs, playlistId); });
+    if (!co_await sendEdit(client.updatePlaylist(playlistId, std::nullopt, songIds, noIndexes),
+                           QStringLiteral("add to the playlist"), std::move(retry)))
         co_return;
-    }
-    if (!self)
-        co_return;
-    setReachability(ServerReachability::ok());
     m_playlistDetails.remove(playlistId);
     setPlaylistRevision(m_playlistRevision + 1);
     co_await reloadPlaylists();
@@ -163,24 +158,15 @@ QCoro::Task<> LibraryStore::addAlbum(Album album, QString playlistId)
 
 QCoro::Task<> LibraryStore::removeSong(int index, QStringList songIds, QString playlistId)
 {
-    QPointer<LibraryStore> self(this);
     const SubsonicClient client = m_client;
     const QStringList noSongs;
     const QList<int> indexes{index};
-    try {
-        co_await client.updatePlaylist(playlistId, std::nullopt, noSongs, indexes);
-    } catch (...) {
-        if (self) {
-            note(std::current_exception(), QStringLiteral("remove from the playlist"),
-                 weakRetry(this, [index, songIds, playlistId](LibraryStore *store) {
-                     return store->retryRemove(index, songIds, playlistId);
-                 }));
-        }
+    auto retry = weakRetry(this, [index, songIds, playlistId](LibraryStore *store) {
+        return store->retryRemove(index, songIds, playlistId);
+    });
+    if (!co_await sendEdit(client.updatePlaylist(playlistId, std::nullopt, noSongs, indexes),
+                           QStringLiteral("remove from the playlist"), std::move(retry)))
         co_return;
-    }
-    if (!self)
-        co_return;
-    setReachability(ServerReachability::ok());
     m_playlistDetails.remove(playlistId);
     setPlaylistRevision(m_playlistRevision + 1);
     co_await reloadPlaylists();
@@ -188,19 +174,10 @@ QCoro::Task<> LibraryStore::removeSong(int index, QStringList songIds, QString p
 
 QCoro::Task<bool> LibraryStore::reorderPlaylist(QString playlistId, QStringList songIds)
 {
-    QPointer<LibraryStore> self(this);
     const SubsonicClient client = m_client;
-    try {
-        co_await client.replacePlaylistSongs(playlistId, songIds);
-    } catch (...) {
-        // No retry: the next drag saves the whole order anyway.
-        if (self)
-            note(std::current_exception(), QStringLiteral("save the new order"), {});
+    // No retry: the next drag saves the whole order anyway.
+    if (!co_await sendEdit(client.replacePlaylistSongs(playlistId, songIds), QStringLiteral("save the new order"), {}))
         co_return false;
-    }
-    if (!self)
-        co_return false;
-    setReachability(ServerReachability::ok());
     m_playlistDetails.remove(playlistId);
     co_return true;
 }
@@ -208,21 +185,11 @@ QCoro::Task<bool> LibraryStore::reorderPlaylist(QString playlistId, QStringList 
 // The first add may have reached the server although its answer was lost: add only what is not there yet.
 QCoro::Task<> LibraryStore::retryAdd(QList<Song> songs, QString playlistId)
 {
-    QPointer<LibraryStore> self(this);
-    const SubsonicClient client = m_client;
     PlaylistDetail fresh;
-    try {
-        fresh = co_await client.playlist(playlistId);
-    } catch (...) {
-        if (self) {
-            note(std::current_exception(), QStringLiteral("add to the playlist"),
-                 weakRetry(this, [songs, playlistId](LibraryStore *store) { return store->retryAdd(songs, playlistId); }));
-        }
+    auto retry = weakRetry(this, [songs, playlistId](LibraryStore *store) { return store->retryAdd(songs, playlistId); });
+    if (!co_await sendEdit(fetchPlaylist(m_client, playlistId, &fresh), QStringLiteral("add to the playlist"),
+                           std::move(retry)))
         co_return;
-    }
-    if (!self)
-        co_return;
-    setReachability(ServerReachability::ok());
     m_playlistDetails.insert(playlistId, fresh);
     const QStringList present = idsOf(fresh.entry.value_or(QList<Song>()));
     QList<Song> left;
@@ -237,23 +204,13 @@ QCoro::Task<> LibraryStore::retryAdd(QList<Song> songs, QString playlistId)
 // An index means something only against the order it was taken from, and the first removal may have happened.
 QCoro::Task<> LibraryStore::retryRemove(int index, QStringList before, QString playlistId)
 {
-    QPointer<LibraryStore> self(this);
-    const SubsonicClient client = m_client;
     PlaylistDetail fresh;
-    try {
-        fresh = co_await client.playlist(playlistId);
-    } catch (...) {
-        if (self) {
-            note(std::current_exception(), QStringLiteral("remove from the playlist"),
-                 weakRetry(this, [index, before, playlistId](LibraryStore *store) {
-                     return store->retryRemove(index, before, playlistId);
-                 }));
-        }
+    auto retry = weakRetry(this, [index, before, playlistId](LibraryStore *store) {
+        return store->retryRemove(index, before, playlistId);
+    });
+    if (!co_await sendEdit(fetchPlaylist(m_client, playlistId, &fresh), QStringLiteral("remove from the playlist"),
+                           std::move(retry)))
         co_return;
-    }
-    if (!self)
-        co_return;
-    setReachability(ServerReachability::ok());
     m_playlistDetails.insert(playlistId, fresh);
     const QStringList current = idsOf(fresh.entry.value_or(QList<Song>()));
     const std::optional<int> target = removalRetryTarget(index, before, current);

@@ -149,7 +149,10 @@ private:
     static QCoro::Task<> sendLike(QPointer<LibraryStore> store, StarTarget target, bool starred,
                                   std::function<void(LibraryStore *)> rollBack, std::function<QCoro::Task<>()> retry);
 
-    // Playlist retries (libraryplaylists.cpp)
+    // Playlist edits and retries (libraryplaylists.cpp)
+    // Awaits one server request of an edit. A failure is noted with its retry; success marks the server as
+    // reachable. True only for a success with the store still there.
+    QCoro::Task<bool> sendEdit(QCoro::Task<> request, QString action, std::function<QCoro::Task<>()> retry);
     QCoro::Task<> retryAdd(QList<Song> songs, QString playlistId);
     QCoro::Task<> retryRemove(int index, QStringList before, QString playlistId);
 
