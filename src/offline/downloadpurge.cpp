@@ -15,7 +15,7 @@ void DownloadStore::purge(const QString &owner)
     for (const ReleasedSongFile &file : released)
         QFile::remove(songPath(file.id, file.suffix));
     setProgress(owner, std::nullopt);
-    save();
+    saveNow();
     pruneArtwork();
 }
 
@@ -36,7 +36,7 @@ void DownloadStore::removeAll()
         QDir(m_directory).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries)
         removeEntry(entry);
-    save();
+    saveNow();
     pruneArtwork();
 }
 

@@ -6,6 +6,7 @@
 
 #include "filetransfer.h"
 
+#include <QCoroFuture>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -60,6 +61,8 @@ QCoro::Task<> DownloadStore::holdAndRun(std::weak_ptr<DownloadStore> store, RunB
         co_await body(self.get(), run);
     } catch (...) {
     }
+    // A download ends with its records on disk.
+    co_await self->m_lastSave;
     self->endRun(run);
 }
 
@@ -123,6 +126,8 @@ QCoro::Task<> DownloadStore::downloadSongs(QList<Song> songs, DownloadCollection
     const QString &owner = run.owner;
     setProgress(owner, DownloadProgress{.total = static_cast<int>(songs.size())});
     for (const Song &song : std::as_const(songs)) {
+        // The manifest is on disk before the next transfer starts.
+        co_await m_lastSave;
         if (run.token.isCancelled()) {
             abandon(run);
             co_return;

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QJSEngine>
 #include <QNetworkAccessManager>
+#include <QtConcurrent>
 
 #include <algorithm>
 #include <tuple>
@@ -37,6 +38,7 @@ DownloadStore::DownloadStore(SubsonicClient client, const DownloadLayout &layout
 {
     // Songs and covers are kept by this store itself; no HTTP cache keeps a second copy of them.
     m_network->setCache(nullptr);
+    m_manifestWriter.setMaxThreadCount(1);
     m_network->setTransferTimeout(transferTimeoutMs);
     QDir().mkpath(artworkDirectory());
     ArtworkFetcher::shared().setOfflineDirectory(artworkDirectory());
@@ -168,7 +170,15 @@ QString DownloadStore::artworkDirectory() const
 // Best effort: a failed write leaves the old file whole, and the next change writes again.
 void DownloadStore::save()
 {
-    saveManifest(m_manifest, m_directory);
+    m_lastSave = QtConcurrent::run(&m_manifestWriter, [manifest = m_manifest, directory = m_directory] {
+        saveManifest(manifest, directory);
+    });
+}
+
+void DownloadStore::saveNow()
+{
+    save();
+    m_lastSave.waitForFinished();
 }
 
 void DownloadStore::setManifest(DownloadManifest manifest)

@@ -15,8 +15,10 @@
 #include "downloadprogress.h"
 #include "server/subsonicclient.h"
 
+#include <QFuture>
 #include <QHash>
 #include <QObject>
+#include <QThreadPool>
 #include <QtQml/qqmlregistration.h>
 #include <QVariantMap>
 
@@ -130,7 +132,11 @@ private:
     [[nodiscard]] QString songPath(const QString &id, const QString &suffix) const;
     [[nodiscard]] QString artworkDirectory() const;
 
+    // Queues a write of the manifest as it stands. Encoding a manifest of many thousand songs takes about a
+    // tenth of a second, so it runs on a worker of its own, one write after another in the order asked.
     void save();
+    // Queues a write and waits for it, for the user's removals.
+    void saveNow();
     void setManifest(DownloadManifest manifest);
     void setActive(QHash<QString, DownloadProgress> active);
     void setProgress(const QString &owner, std::optional<DownloadProgress> progress);
@@ -141,6 +147,8 @@ private:
     DownloadManifest m_manifest;
     QHash<QString, DownloadProgress> m_active;
     quint64 m_lastRunId = 0;
+    QThreadPool m_manifestWriter;
+    QFuture<void> m_lastSave;
 
     // Last, so that they cancel before anything their tasks read goes away.
     QHash<QString, RunningDownload> m_tasks;

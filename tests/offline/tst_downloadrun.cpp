@@ -45,6 +45,22 @@ private Q_SLOTS:
         rig.reset();
     }
 
+    void eachSongIsOnDiskInTheManifestBeforeTheNextTransfer()
+    {
+        const QList<Song> songs = numberedSongs(4);
+        rig->serveAlbum(u"A"_s, songs);
+        QStringList recordedAtRequest;
+        rig->server.on(u"download"_s, [this, &recordedAtRequest](const RecordedRequest &request) {
+            const QString id = request.value(u"id"_s);
+            recordedAtRequest.append(id + u':' + QString::number(loadManifest(rig->directory()).songs.size()));
+            return audioAnswer(audioOf(id));
+        });
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+        QCOMPARE(recordedAtRequest, (QStringList{u"s1:0"_s, u"s2:1"_s, u"s3:2"_s, u"s4:3"_s}));
+        QCOMPARE(loadManifest(rig->directory()), store->manifest());
+    }
+
     void aFailedSongEndsTheRunAndStartingAgainResumes()
     {
         const QList<Song> songs = numberedSongs(10);
