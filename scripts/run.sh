@@ -36,11 +36,13 @@ if (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null; then port=0; fi
 
 echo "Starting the demo server (the first run makes its library, about a minute)..."
 server_log="$demo/server.log"
+rm -f "$demo/server.out"
 /usr/bin/python3 tests/e2e/supysonic_fixture.py --workdir "$demo/server" --port "$port" \
   --user "$user" --password "$password" --demo --keep-state --ignore-stdin >"$demo/server.out" 2>"$server_log" &
 server_pid=$!
 trap 'kill "$server_pid" 2>/dev/null || true' EXIT
-for _ in $(seq 600); do
+# The first run generates the library: allow it several minutes on a slow machine.
+for _ in $(seq 3000); do
   if grep -q '^READY ' "$demo/server.out" 2>/dev/null; then break; fi
   if ! kill -0 "$server_pid" 2>/dev/null; then
     echo "run.sh: the demo server did not start; see $server_log" >&2
@@ -49,6 +51,10 @@ for _ in $(seq 600); do
   sleep 0.2
 done
 port=$(sed -n 's/^READY //p' "$demo/server.out")
+if [ -z "$port" ]; then
+  echo "run.sh: the demo server did not become ready in time; see $server_log" >&2
+  exit 1
+fi
 url="http://127.0.0.1:$port"
 echo "Demo server: $url  user: $user  password: $password"
 

@@ -29,6 +29,8 @@ void DownloadStore::removeAll()
     for (const RunningDownload &download : running)
         download.handle->cancel();
     m_artworkTask.cancel();
+    // A queued write of the old manifest must not land in the emptied folder.
+    m_lastSave.waitForFinished();
     setActive({});
     setManifest({});
 

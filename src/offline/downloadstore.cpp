@@ -38,7 +38,6 @@ DownloadStore::DownloadStore(SubsonicClient client, const DownloadLayout &layout
 {
     // Songs and covers are kept by this store itself; no HTTP cache keeps a second copy of them.
     m_network->setCache(nullptr);
-    m_manifestWriter.setMaxThreadCount(1);
     m_network->setTransferTimeout(transferTimeoutMs);
     QDir().mkpath(artworkDirectory());
     ArtworkFetcher::shared().setOfflineDirectory(artworkDirectory());
@@ -168,9 +167,27 @@ QString DownloadStore::artworkDirectory() const
 }
 
 // Best effort: a failed write leaves the old file whole, and the next change writes again.
+namespace {
+// Never destroyed, so that no write is cut off by the order of destruction at exit; flushWrites() waits for it.
+QThreadPool *manifestWriter()
+{
+    static QThreadPool *const pool = [] {
+        auto *created = new QThreadPool;
+        created->setMaxThreadCount(1);
+        return created;
+    }();
+    return pool;
+}
+}
+
+void DownloadStore::flushWrites()
+{
+    manifestWriter()->waitForDone();
+}
+
 void DownloadStore::save()
 {
-    m_lastSave = QtConcurrent::run(&m_manifestWriter, [manifest = m_manifest, directory = m_directory] {
+    m_lastSave = QtConcurrent::run(manifestWriter(), [manifest = m_manifest, directory = m_directory] {
         saveManifest(manifest, directory);
     });
 }

@@ -18,7 +18,6 @@
 #include <QFuture>
 #include <QHash>
 #include <QObject>
-#include <QThreadPool>
 #include <QtQml/qqmlregistration.h>
 #include <QVariantMap>
 
@@ -84,6 +83,8 @@ public:
     [[nodiscard]] std::optional<Album> localAlbum(const QString &id) const;
     [[nodiscard]] std::optional<PlaylistDetail> localPlaylist(const QString &id) const;
     [[nodiscard]] static std::optional<QUrl> localFileURL(const Song &song, const ServerConfig &config);
+    // Waits for every manifest write still queued, of every store; at quit, so that no finished song is lost.
+    static void flushWrites();
 
 Q_SIGNALS:
     void manifestChanged();
@@ -133,7 +134,8 @@ private:
     [[nodiscard]] QString artworkDirectory() const;
 
     // Queues a write of the manifest as it stands. Encoding a manifest of many thousand songs takes about a
-    // tenth of a second, so it runs on a worker of its own, one write after another in the order asked.
+    // tenth of a second, so it runs on one worker thread for the whole process, one write after another in
+    // the order asked.
     void save();
     // Queues a write and waits for it, for the user's removals.
     void saveNow();
@@ -147,7 +149,6 @@ private:
     DownloadManifest m_manifest;
     QHash<QString, DownloadProgress> m_active;
     quint64 m_lastRunId = 0;
-    QThreadPool m_manifestWriter;
     QFuture<void> m_lastSave;
 
     // Last, so that they cancel before anything their tasks read goes away.

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <utility>
 #include <clocale>
+#include <cstring>
 #include <cmath>
 
 namespace {
@@ -94,7 +95,9 @@ void MpvAudioEngine::createMpv()
 {
     m_library = MpvLibrary::get();
     // mpv refuses to start under any numeric locale but "C", and QCoreApplication sets the system's one.
-    std::setlocale(LC_NUMERIC, "C");
+    // Programs set it right after making their application object; a late call here is the fallback.
+    if (std::strcmp(std::setlocale(LC_NUMERIC, nullptr), "C") != 0)
+        std::setlocale(LC_NUMERIC, "C");
     m_mpv = m_library ? m_library->create() : nullptr;
     if (!m_mpv) {
         // Nothing will sound, but the rest of Velto works: browsing, downloads, the queue.
@@ -111,7 +114,13 @@ void MpvAudioEngine::createMpv()
         setOption(lib, m_mpv, "ao-pcm-file", m_options.audioOutputFile);
     if (!m_options.audioFilter.isEmpty())
         setOption(lib, m_mpv, "af", m_options.audioFilter);
-    lib.initialize(m_mpv);
+    if (lib.initialize(m_mpv) < 0) {
+        lib.terminateDestroy(m_mpv);
+        m_mpv = nullptr;
+        m_unavailable = true;
+        qWarning("Velto cannot play audio: libmpv could not be started");
+        return;
+    }
 
     lib.observeProperty(m_mpv, 0, "time-pos", MPV_FORMAT_DOUBLE);
     lib.observeProperty(m_mpv, 0, "duration", MPV_FORMAT_DOUBLE);

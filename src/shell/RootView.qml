@@ -1,7 +1,7 @@
 import QtQuick
 import Velto
 
-// The connect screen, or the main view for the signed-in account. Each new account gets a fresh main view.
+// The connect screen, or the main view for the signed-in account; signing out and in again makes a new one.
 Item {
     id: root
     required property VeltoApp app
@@ -12,14 +12,6 @@ Item {
         id: loader
         anchors.fill: parent
         sourceComponent: root.showsMainView ? mainView : connectView
-    }
-
-    Connections {
-        target: root.app.appState
-        function onClientChanged() {
-            loader.active = false
-            loader.active = true
-        }
     }
 
     Component {

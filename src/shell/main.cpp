@@ -3,6 +3,7 @@
 #include "shell/mainwindow.h"
 
 #include <QFontDatabase>
+#include <clocale>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QLoggingCategory>
@@ -20,6 +21,8 @@ Q_LOGGING_CATEGORY(lcStartup, "velto.startup", QtWarningMsg)
 int main(int argc, char *argv[])
 {
     QGuiApplication app(argc, argv);
+    // mpv needs the "C" numeric locale and starts on a worker later; set it now, while this is the only thread.
+    std::setlocale(LC_NUMERIC, "C");
     QCoreApplication::setOrganizationName(u"Velto"_s);
     QCoreApplication::setApplicationName(u"Velto"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(VELTO_VERSION));

@@ -69,6 +69,13 @@ QCoro::Task<> UpdaterModel::check(Asker asker, CancelToken token)
     QNetworkRequest request(m_setup.feedURL);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     QNetworkReply *reply = m_setup.network->get(request);
+    bool tooLarge = false;
+    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply, &tooLarge](qint64 received, qint64) {
+        if (received > maxFeedBytes && !tooLarge) {
+            tooLarge = true;
+            reply->abort();
+        }
+    });
     token.track(reply);
     co_await qCoro(reply).waitForFinished();
     token.untrack(reply);
@@ -79,7 +86,9 @@ QCoro::Task<> UpdaterModel::check(Asker asker, CancelToken token)
 
     std::optional<UpdateOffer> offer;
     QString failure;
-    if (reply->error() != QNetworkReply::NoError) {
+    if (tooLarge) {
+        failure = tr("The update information could not be read.");
+    } else if (reply->error() != QNetworkReply::NoError) {
         failure = TransportError(reply->error()).description();
     } else {
         try {

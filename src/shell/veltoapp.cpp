@@ -2,6 +2,7 @@
 
 #include "appcommands.h"
 #include "library/librarystore.h"
+#include "offline/downloadstore.h"
 #include "localnetwork.h"
 #include "nowplayingartwork.h"
 #include "offline/downloadlayout.h"
@@ -83,5 +84,6 @@ void VeltoApp::aboutToQuit()
 {
     m_player->saveSession();
     m_player->flushVolume();
+    DownloadStore::flushWrites();
     m_settings.sync();
 }

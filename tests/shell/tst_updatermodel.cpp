@@ -121,6 +121,15 @@ private Q_SLOTS:
         QVERIFY(updater->reportLink().isEmpty());
     }
 
+    void anOversizedFeedIsCutOffAndAFailure()
+    {
+        serveFeed(QByteArray(200 * 1024, ' ') + "{\"version\": \"9.0\", \"url\": \"https://example.org\"}");
+        auto updater = makeUpdater();
+        updater->checkForUpdates();
+        waitForCheck(*updater);
+        QCOMPARE(updater->reportTitle(), u"Update Error"_s);
+    }
+
     void anUnreachableFeedIsAFailure()
     {
         server.on(u"feed.json"_s, FakeResponse{.status = 404, .contentType = "text/html", .body = "missing"});
