@@ -2,6 +2,7 @@
 // 20,000 songs hold. The server runs on its own thread so its work is not counted.
 
 #include "benchmark.h"
+#include "benchsongs.h"
 #include "fakesubsonicserver.h"
 #include "library/librarystore.h"
 
@@ -24,21 +25,7 @@ FakeResponse songPage(int first)
 {
     QJsonArray songs;
     for (int i = first; i < first + 500; ++i) {
-        songs.append(QJsonObject{
-            {QStringLiteral("id"), QStringLiteral("song-%1").arg(i)},
-            {QStringLiteral("title"), QStringLiteral("A Song Title Number %1").arg(i)},
-            {QStringLiteral("album"), QStringLiteral("Some Album %1").arg(i / 12)},
-            {QStringLiteral("albumId"), QStringLiteral("album-%1").arg(i / 12)},
-            {QStringLiteral("artist"), QStringLiteral("Some Artist %1").arg(i / 40)},
-            {QStringLiteral("artistId"), QStringLiteral("artist-%1").arg(i / 40)},
-            {QStringLiteral("track"), i % 12 + 1},
-            {QStringLiteral("discNumber"), 1},
-            {QStringLiteral("year"), 1990 + i % 30},
-            {QStringLiteral("duration"), 180 + i % 120},
-            {QStringLiteral("contentType"), QStringLiteral("audio/flac")},
-            {QStringLiteral("suffix"), QStringLiteral("flac")},
-            {QStringLiteral("coverArt"), QStringLiteral("al-%1").arg(i / 12)},
-        });
+        songs.append(benchSongJson(i));
     }
     return FakeSubsonicServer::json({{QStringLiteral("searchResult3"), QJsonObject{{QStringLiteral("song"), songs}}}});
 }

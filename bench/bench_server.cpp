@@ -1,6 +1,7 @@
 // Figures for the request path: decoding answers and signing URLs.
 
 #include "benchmark.h"
+#include "benchsongs.h"
 #include "server/payloads.h"
 #include "server/subsonicclient.h"
 
@@ -9,27 +10,6 @@
 #include <QJsonDocument>
 
 namespace {
-QJsonObject song(int i)
-{
-    return QJsonObject{
-        {QStringLiteral("id"), QStringLiteral("song-%1").arg(i)},
-        {QStringLiteral("title"), QStringLiteral("A Song Title Number %1").arg(i)},
-        {QStringLiteral("album"), QStringLiteral("Some Album %1").arg(i / 12)},
-        {QStringLiteral("albumId"), QStringLiteral("album-%1").arg(i / 12)},
-        {QStringLiteral("artist"), QStringLiteral("Some Artist %1").arg(i / 40)},
-        {QStringLiteral("artistId"), QStringLiteral("artist-%1").arg(i / 40)},
-        {QStringLiteral("track"), i % 12 + 1},
-        {QStringLiteral("discNumber"), 1},
-        {QStringLiteral("year"), 1990 + i % 30},
-        {QStringLiteral("duration"), 180 + i % 120},
-        {QStringLiteral("contentType"), QStringLiteral("audio/flac")},
-        {QStringLiteral("suffix"), QStringLiteral("flac")},
-        {QStringLiteral("coverArt"), QStringLiteral("al-%1").arg(i / 12)},
-        {QStringLiteral("bitRate"), 1000},
-        {QStringLiteral("path"), QStringLiteral("Artist/Album/%1.flac").arg(i)},
-    };
-}
-
 QJsonObject album(int i)
 {
     return QJsonObject{
@@ -60,7 +40,7 @@ int main(int argc, char *argv[])
 
     QJsonArray songs;
     for (int i = 0; i < 500; ++i)
-        songs.append(song(i));
+        songs.append(benchSongJson(i));
     const QByteArray searchPage = envelope(QStringLiteral("searchResult3"), QStringLiteral("song"), songs);
     report("decode_search3_page_500_ms", medianMs(30, [&] {
                const auto result = SubsonicClient::decodePayload<Payloads::SearchPayload>(searchPage);

@@ -13,35 +13,34 @@ Command::Command(const char *name)
 
 Command &Command::arg(const char *key, const QString &value)
 {
-    m_keys.emplace_back(key);
     m_strings.push_back(value.toUtf8());
     mpv_node node{};
     node.format = MPV_FORMAT_STRING;
-    m_values.push_back(node);
     // The pointer into m_strings is taken in run(), once the vector no longer grows.
-    m_stringOf.push_back(m_strings.size() - 1);
-    return *this;
+    return append(key, node, m_strings.size() - 1);
 }
 
 Command &Command::arg(const char *key, double value)
 {
-    m_keys.emplace_back(key);
     mpv_node node{};
     node.format = MPV_FORMAT_DOUBLE;
     node.u.double_ = value;
-    m_values.push_back(node);
-    m_stringOf.push_back(std::nullopt);
-    return *this;
+    return append(key, node, std::nullopt);
 }
 
 Command &Command::arg(const char *key, qint64 value)
 {
-    m_keys.emplace_back(key);
     mpv_node node{};
     node.format = MPV_FORMAT_INT64;
     node.u.int64 = value;
+    return append(key, node, std::nullopt);
+}
+
+Command &Command::append(const char *key, mpv_node node, std::optional<std::size_t> stringIndex)
+{
+    m_keys.emplace_back(key);
     m_values.push_back(node);
-    m_stringOf.push_back(std::nullopt);
+    m_stringOf.push_back(stringIndex);
     return *this;
 }
 

@@ -28,6 +28,8 @@ public:
     int run(mpv_handle *mpv, mpv_node *result = nullptr);
 
 private:
+    Command &append(const char *key, mpv_node node, std::optional<std::size_t> stringIndex);
+
     std::vector<QByteArray> m_keys;
     std::vector<QByteArray> m_strings;
     std::vector<mpv_node> m_values;
