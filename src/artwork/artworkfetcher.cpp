@@ -1,6 +1,7 @@
 #include "artworkfetcher.h"
 
 #include "artworkstore.h"
+#include "offline/filetransfer.h"
 #include "offline/offlinefilename.h"
 #include "pendingimage.h"
 
@@ -113,21 +114,8 @@ QCoro::Task<std::optional<QImage>> ArtworkFetcher::fetch(Job job, CancelToken to
 {
     if (!job.url.isValid())
         co_return std::nullopt;
-    QNetworkReply *reply = m_network->get(QNetworkRequest(job.url));
-    token.track(reply);
-    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64 total) {
-        if (received > maxCoverBytes || total > maxCoverBytes)
-            reply->abort();
-    });
-    co_await qCoro(reply).waitForFinished();
-    token.untrack(reply);
-    reply->deleteLater();
-    if (token.isCancelled())
+    const std::optional<QByteArray> bytes = co_await fetchToMemory(m_network, job.url, maxCoverBytes, token);
+    if (token.isCancelled() || !bytes)
         co_return std::nullopt;
-
-    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (reply->error() != QNetworkReply::NoError || status < 200 || status > 299)
-        co_return std::nullopt;
-    const QByteArray bytes = reply->readAll();
-    co_return co_await QtConcurrent::run(&ArtworkFetcher::keepFetched, job, bytes);
+    co_return co_await QtConcurrent::run(&ArtworkFetcher::keepFetched, job, *bytes);
 }
