@@ -1,4 +1,5 @@
 #include "artwork/artworkfetcher.h"
+#include "artwork/artworkimageprovider.h"
 #include "artwork/imagememorycache.h"
 #include "awaittask.h"
 #include "fakesubsonicserver.h"
@@ -9,6 +10,9 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImageWriter>
+#include <QPainter>
+#include <QQmlComponent>
+#include <QQmlEngine>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -39,18 +43,20 @@ FakeResponse imageAnswer(const QByteArray &bytes, int delayMs = 0)
     return FakeResponse{.status = 200, .contentType = "image/jpeg", .body = bytes, .delayMs = delayMs};
 }
 
-void writeFile(const QString &path, const QByteArray &bytes)
+QByteArray readFile(const QString &path)
 {
     QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void setModified(const QString &path, const QDateTime &time)
+// Writes the file when bytes are given, then dates it.
+void writeFile(const QString &path, const QByteArray &bytes, const QDateTime &time = {})
 {
     QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
+    QVERIFY(file.open(bytes.isNull() ? QIODevice::ReadWrite : QIODevice::WriteOnly));
+    file.write(bytes);
+    if (time.isValid())
+        QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
 }
 
 QDateTime modified(const QString &path)
@@ -59,6 +65,8 @@ QDateTime modified(const QString &path)
 }
 
 const QDateTime longAgo = QDateTime(QDate(2020, 1, 1), QTime(12, 0), Qt::UTC);
+constexpr int ready = 1; // values of Image.status
+constexpr int loading = 2;
 }
 
 class ArtworkFetcherTest : public QObject
@@ -69,6 +77,9 @@ class ArtworkFetcherTest : public QObject
     std::unique_ptr<QTemporaryDir> cache;
     std::unique_ptr<ImageMemoryCache> memory;
     std::unique_ptr<ArtworkFetcher> fetcher;
+    std::unique_ptr<QQmlEngine> engine;
+    ArtworkImageProvider *provider = nullptr;
+    std::unique_ptr<QObject> item;
 
     void makeFetcher()
     {
@@ -93,6 +104,28 @@ class ArtworkFetcherTest : public QObject
 
     [[nodiscard]] QStringList cachedFiles() const { return QDir(cache->path()).entryList(QDir::Files); }
 
+    // Shows a cover in QML through the engine's own loader thread, as the application does.
+    ArtworkImageProvider *imageProvider()
+    {
+        if (!engine) {
+            engine = std::make_unique<QQmlEngine>();
+            provider = new ArtworkImageProvider(fetcher.get(), memory.get());
+            provider->setClient(SubsonicClient(ServerConfig{server->baseURL(), u"u"_s, u"p"_s}));
+            engine->addImageProvider(ArtworkImageProvider::providerId, provider);
+        }
+        return provider;
+    }
+
+    QObject *show(const QString &coverArt, int pixelSize)
+    {
+        imageProvider();
+        QQmlComponent component(engine.get());
+        component.setData("import QtQuick\nImage { asynchronous: true; cache: false }", QUrl());
+        item.reset(component.create());
+        item->setProperty("source", ArtworkImageProvider::source(coverArt, pixelSize));
+        return item.get();
+    }
+
 private Q_SLOTS:
     void init()
     {
@@ -104,6 +137,8 @@ private Q_SLOTS:
 
     void cleanup()
     {
+        item.reset();
+        engine.reset();
         fetcher.reset();
         server.reset();
     }
@@ -112,12 +147,12 @@ private Q_SLOTS:
     {
         const QByteArray bytes = jpeg(512);
         server->on(u"getCoverArt"_s, imageAnswer(bytes, 150));
-        QCoro::Task<std::optional<QImage>> first = fetcher->image(u"al-1"_s, 256, url(u"al-1"_s, 256));
-        QCoro::Task<std::optional<QImage>> second = fetcher->image(u"al-1"_s, 256, url(u"al-1"_s, 256));
-        QCoro::Task<std::optional<QImage>> otherSize = fetcher->image(u"al-1"_s, 128, url(u"al-1"_s, 128));
-        const std::optional<QImage> a = awaitTask(std::move(first));
-        const std::optional<QImage> b = awaitTask(std::move(second));
-        const std::optional<QImage> c = awaitTask(std::move(otherSize));
+        auto first = fetcher->image(u"al-1"_s, 256, url(u"al-1"_s, 256));
+        auto second = fetcher->image(u"al-1"_s, 256, url(u"al-1"_s, 256));
+        auto otherSize = fetcher->image(u"al-1"_s, 128, url(u"al-1"_s, 128));
+        const auto a = awaitTask(std::move(first));
+        const auto b = awaitTask(std::move(second));
+        const auto c = awaitTask(std::move(otherSize));
         QVERIFY(a && b && c);
         QCOMPARE(a->size(), QSize(256, 256));
         QCOMPARE(b->size(), QSize(256, 256));
@@ -126,9 +161,7 @@ private Q_SLOTS:
         QCOMPARE(server->requests(u"getCoverArt"_s).first().value(u"id"_s), u"al-1"_s);
 
         // The reply's bytes are kept as they came, one file per key, and memory now answers.
-        QFile file(cacheFile(u"al-1"_s, 256));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), bytes);
+        QCOMPARE(readFile(cacheFile(u"al-1"_s, 256)), bytes);
         QCOMPARE(cachedFiles().size(), 2);
         QVERIFY(memory->image(ArtworkFetcher::key(u"al-1"_s, 256)));
         QVERIFY(image(u"al-1"_s, 256));
@@ -137,8 +170,7 @@ private Q_SLOTS:
 
     void diskFilesServeTheirSizeAndSmallerOnes()
     {
-        writeFile(cacheFile(u"al-2"_s, 512), jpeg(512));
-        setModified(cacheFile(u"al-2"_s, 512), longAgo);
+        writeFile(cacheFile(u"al-2"_s, 512), jpeg(512), longAgo);
 
         const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-2);
         const std::optional<QImage> small = image(u"al-2"_s, 128);
@@ -148,7 +180,7 @@ private Q_SLOTS:
         QVERIFY(modified(cacheFile(u"al-2"_s, 512)) >= before);
         QCOMPARE(cachedFiles(), QStringList{offlineFileName(ArtworkFetcher::key(u"al-2"_s, 512))});
 
-        setModified(cacheFile(u"al-2"_s, 512), longAgo);
+        writeFile(cacheFile(u"al-2"_s, 512), {}, longAgo);
         QCOMPARE(image(u"al-2"_s, 512)->size(), QSize(512, 512));
         QVERIFY(modified(cacheFile(u"al-2"_s, 512)) >= before);
 
@@ -165,9 +197,7 @@ private Q_SLOTS:
         server->on(u"getCoverArt"_s, imageAnswer(jpeg(64)));
         QVERIFY(image(u"al-3"_s, 64));
         QCOMPARE(server->count(u"getCoverArt"_s), 1);
-        QFile file(cacheFile(u"al-3"_s, 64));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), jpeg(64));
+        QCOMPARE(readFile(cacheFile(u"al-3"_s, 64)), jpeg(64));
     }
 
     void failedAnswersAreNeitherCachedNorRemembered()
@@ -184,8 +214,7 @@ private Q_SLOTS:
         for (const FakeResponse &failure : failures) {
             server->on(u"getCoverArt"_s, failure);
             QCOMPARE(image(u"al-4"_s, 256), std::nullopt);
-            // Nothing is remembered: the next look asks again.
-            QCOMPARE(image(u"al-4"_s, 256), std::nullopt);
+            QCOMPARE(image(u"al-4"_s, 256), std::nullopt); // nothing remembered: asks again
             expectedRequests += 2;
             QCOMPARE(server->count(u"getCoverArt"_s), expectedRequests);
             QCOMPARE(cachedFiles(), QStringList());
@@ -200,8 +229,7 @@ private Q_SLOTS:
     {
         QTemporaryDir offline;
         const QString cover = offline.path() + u'/' + offlineFileName(u"al-5");
-        writeFile(cover, jpeg(1024));
-        setModified(cover, longAgo);
+        writeFile(cover, jpeg(1024), longAgo);
         server->stop();
 
         QCOMPARE(image(u"al-5"_s, 64), std::nullopt);
@@ -219,10 +247,7 @@ private Q_SLOTS:
     {
         QImage wide(200, 100, QImage::Format_RGB32);
         wide.fill(Qt::red);
-        for (int y = 0; y < 100; ++y) {
-            for (int x = 0; x < 20; ++x)
-                wide.setPixel(x, y, qRgb(0, 0, 255));
-        }
+        QPainter(&wide).fillRect(0, 0, 20, 100, Qt::blue);
         // Stored wide with an EXIF turn of 90 degrees clockwise: shown tall, its left edge on top.
         const std::optional<QImage> turned =
             ArtworkFetcher::decode(encoded(wide, "jpeg", QImageIOHandler::TransformationRotate90), 64);
@@ -284,11 +309,51 @@ private Q_SLOTS:
     void destroyingTheFetcherEndsWaitsWithoutImage()
     {
         server->on(u"getCoverArt"_s, FakeResponse{.hang = true});
-        QCoro::Task<std::optional<QImage>> waiting = fetcher->image(u"al-6"_s, 64, url(u"al-6"_s, 64));
+        auto waiting = fetcher->image(u"al-6"_s, 64, url(u"al-6"_s, 64));
         QTRY_COMPARE(server->count(u"getCoverArt"_s), 1);
         fetcher.reset();
         QCOMPARE(awaitTask(std::move(waiting), 2000), std::nullopt);
         QCOMPARE(cachedFiles(), QStringList());
+    }
+
+    void providerServesCoversFromTheServer()
+    {
+        server->on(u"getCoverArt"_s, imageAnswer(jpeg(300)));
+        const QString id = u"p 1/é%2"_s;
+        QObject *image = show(id, 128);
+        QTRY_COMPARE(image->property("status").toInt(), ready);
+        QCOMPARE(image->property("implicitWidth").toInt(), 128);
+        QCOMPARE(server->count(u"getCoverArt"_s), 1);
+        QCOMPARE(server->requests().first().value(u"id"_s), id);
+        QCOMPARE(server->requests().first().value(u"size"_s), u"128"_s);
+        QVERIFY(memory->image(ArtworkFetcher::key(id, 128)));
+    }
+
+    void providerServesCoversFromMemoryWithoutServer()
+    {
+        QImage remembered(64, 64, QImage::Format_RGB32);
+        remembered.fill(Qt::green);
+        memory->insert(ArtworkFetcher::key(u"p-2"_s, 64), remembered);
+        imageProvider()->setClient(std::nullopt);
+        QObject *image = show(u"p-2"_s, 64);
+        QTRY_COMPARE(image->property("status").toInt(), ready);
+        QCOMPARE(image->property("implicitWidth").toInt(), 64);
+        QCOMPARE(server->count(u"getCoverArt"_s), 0);
+    }
+
+    void providerEndsMissingCoversWithoutImage()
+    {
+        server->on(u"getCoverArt"_s, FakeResponse{.status = 404, .body = "no"});
+        QObject *image = show(u"p-3"_s, 256);
+        QTRY_COMPARE(server->count(u"getCoverArt"_s), 1);
+        QTRY_VERIFY(image->property("status").toInt() != loading);
+        QCOMPARE(image->property("implicitWidth").toInt(), 0);
+
+        provider->setClient(std::nullopt);
+        QObject *signedOut = show(u"p-4"_s, 256);
+        QTRY_VERIFY(signedOut->property("status").toInt() != loading);
+        QCOMPARE(signedOut->property("implicitWidth").toInt(), 0);
+        QCOMPARE(server->count(u"getCoverArt"_s), 1);
     }
 };
 

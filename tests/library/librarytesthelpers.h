@@ -1,10 +1,24 @@
 #pragma once
 
-// Answers for the fake server in the shapes the library store asks for.
+// Answers for the fake server in the shapes the library store asks for, and small record helpers.
 
 #include "fakesubsonicserver.h"
+#include "server/records.h"
 
 #include <QJsonArray>
+
+inline Song song(const QString &id)
+{
+    return Song{.id = id, .title = QStringLiteral("Song ") + id};
+}
+
+inline QStringList ids(const QList<Song> &songs)
+{
+    QStringList result;
+    for (const Song &s : songs)
+        result.append(s.id);
+    return result;
+}
 
 inline QJsonObject songJson(const QString &id)
 {
@@ -24,8 +38,7 @@ inline FakeResponse albumPage(int first, int count)
     QJsonArray albums;
     for (int i = first; i < first + count; ++i)
         albums.append(albumJson(QString::number(i)));
-    return FakeSubsonicServer::json(
-        {{QStringLiteral("albumList2"), QJsonObject{{QStringLiteral("album"), albums}}}});
+    return FakeSubsonicServer::json({{QStringLiteral("albumList2"), QJsonObject{{QStringLiteral("album"), albums}}}});
 }
 
 inline FakeResponse songPage(int first, int count)
@@ -33,8 +46,12 @@ inline FakeResponse songPage(int first, int count)
     QJsonArray songs;
     for (int i = first; i < first + count; ++i)
         songs.append(songJson(QString::number(i)));
-    return FakeSubsonicServer::json(
-        {{QStringLiteral("searchResult3"), QJsonObject{{QStringLiteral("song"), songs}}}});
+    return FakeSubsonicServer::json({{QStringLiteral("searchResult3"), QJsonObject{{QStringLiteral("song"), songs}}}});
+}
+
+inline QJsonObject playlistsPayload(const QJsonArray &rows)
+{
+    return {{QStringLiteral("playlists"), QJsonObject{{QStringLiteral("playlist"), rows}}}};
 }
 
 inline FakeResponse playlistJson(const QString &id, const QStringList &songIds)
@@ -51,4 +68,10 @@ inline FakeResponse playlistJson(const QString &id, const QStringList &songIds)
 inline FakeResponse serverError(int code, const QString &message)
 {
     return FakeResponse{.body = FakeSubsonicServer::failed(code, message)};
+}
+
+inline FakeResponse delayed(FakeResponse answer, int ms)
+{
+    answer.delayMs = ms;
+    return answer;
 }

@@ -1,11 +1,12 @@
 #pragma once
 
-// A download store over a fake server and a folder of its own: albums and playlists answered from song lists,
-// every song's file served as bytes made from its id unless a test scripts another answer, and the disk read
-// back as a user would find it.
+// A download store over a fake server and a folder of its own; every song's file is served as bytes made from
+// its id unless a test scripts another answer.
 
 #include "fakesubsonicserver.h"
 #include "offline/downloadstore.h"
+#include "offline/filetransfer.h"
+#include "offline/manifestfile.h"
 #include "offline/offlinefilename.h"
 
 #include <QDir>
@@ -13,6 +14,9 @@
 #include <QJsonArray>
 #include <QTemporaryDir>
 #include <QTest>
+
+inline const QString albumKey = QStringLiteral("album:A");
+inline const QString playlistKey = QStringLiteral("playlist:P");
 
 inline Song testSong(const QString &id, qint64 track, std::optional<QString> suffix = QStringLiteral("mp3"),
                      std::optional<QString> coverArt = std::nullopt)
@@ -47,12 +51,24 @@ inline QStringList idsOf(const QList<Song> &songs)
     return ids;
 }
 
+inline QStringList sorted(QStringList list)
+{
+    list.sort();
+    return list;
+}
+
+inline QByteArray fileContent(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 inline Album testAlbum(const QString &id)
 {
     return Album{.id = id, .name = QStringLiteral("Album ") + id, .artist = QStringLiteral("Artist")};
 }
 
-// The bytes the server holds for a song: different for every id, a few chunks long.
+// Different for every id, a few chunks long.
 inline QByteArray audioOf(const QString &id, qsizetype size = 48 * 1024)
 {
     QByteArray bytes = id.toUtf8() + ':';
@@ -62,6 +78,12 @@ inline QByteArray audioOf(const QString &id, qsizetype size = 48 * 1024)
 inline FakeResponse audioAnswer(const QByteArray &bytes)
 {
     return FakeResponse{.contentType = "audio/mpeg", .body = bytes};
+}
+
+// Stops sending after 20'000 bytes and holds the connection open.
+inline FakeResponse stalledAudio(const QString &id)
+{
+    return FakeResponse{.contentType = "audio/mpeg", .body = audioOf(id), .stallAfterBytes = 20'000};
 }
 
 struct DownloadRig {
@@ -127,12 +149,20 @@ struct DownloadRig {
 
     [[nodiscard]] QByteArray contentOf(const QString &id, const QString &suffix = QStringLiteral("mp3")) const
     {
-        QFile file(songFile(id, suffix));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return fileContent(songFile(id, suffix));
     }
 
-    // The ids whose files lie in the folder; any other name there but the manifest and the cover folder is
-    // reported as it stands, so that a stray partial file shows up in a comparison.
+    [[nodiscard]] QList<qint64> partialFileSizes() const
+    {
+        QList<qint64> sizes;
+        const QStringList pattern{partialFilePrefix + u'*'};
+        for (const QFileInfo &file : QDir(directory()).entryInfoList(pattern, QDir::Files | QDir::Hidden))
+            sizes.append(file.size());
+        return sizes;
+    }
+
+    // The ids whose files lie in the folder; any other name but the manifest and the cover folder is reported
+    // as it stands, so that a stray partial file shows up in a comparison.
     [[nodiscard]] QStringList songsOnDisk(const QStringList &candidates) const
     {
         QStringList names = QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -169,5 +199,29 @@ private:
                 return FakeResponse{.body = FakeSubsonicServer::failed(70, QStringLiteral("Not found"))};
             return answers.value(key);
         });
+    }
+};
+
+// A fresh rig and store for every test function.
+class DownloadTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    std::unique_ptr<DownloadRig> rig;
+    std::shared_ptr<DownloadStore> store;
+
+    void runToEnd(const QString &key) { QTRY_VERIFY(!store->isRunning(key)); }
+
+protected Q_SLOTS:
+    void init()
+    {
+        rig = std::make_unique<DownloadRig>();
+        store = rig->makeStore();
+    }
+    void cleanup()
+    {
+        store.reset();
+        rig.reset();
     }
 };

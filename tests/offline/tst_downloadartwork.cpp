@@ -1,5 +1,5 @@
-// Covers of downloaded songs: one large file per cover id, fetched once, filled in at the next start when
-// missed, and gone with the last song that uses it.
+// Covers of downloaded songs: fetched once per id at the large size, filled in at the next start when missed,
+// and gone with the last song that uses it.
 
 #include "artwork/artworkfetcher.h"
 #include "downloadtesthelpers.h"
@@ -17,12 +17,9 @@ QList<Song> coveredSongs()
 }
 }
 
-class DownloadArtworkTest : public QObject
+class DownloadArtworkTest : public DownloadTest
 {
     Q_OBJECT
-
-    std::unique_ptr<DownloadRig> rig;
-    std::shared_ptr<DownloadStore> store;
 
     [[nodiscard]] QString coverFolder() const { return DownloadLayout::artworkDirectory(rig->directory()); }
 
@@ -45,36 +42,32 @@ class DownloadArtworkTest : public QObject
         return asked;
     }
 
-private Q_SLOTS:
-    void init()
+    void restart()
     {
-        rig = std::make_unique<DownloadRig>();
+        store.reset();
+        rig->server.clearLog();
         store = rig->makeStore();
     }
 
-    void cleanup()
+    static FakeResponse coverAnswer(const RecordedRequest &request)
     {
-        store.reset();
-        rig.reset();
+        return FakeResponse{.contentType = "image/jpeg", .body = DownloadRig::coverOf(request.value(u"id"_s))};
     }
 
-    void theArtworkCacheLooksInTheAccountsCoverFolder()
+private Q_SLOTS:
+    void eachCoverIsFetchedOnceAtTheLargeSize()
     {
         QCOMPARE(ArtworkFetcher::shared().offlineDirectory(), std::optional<QString>(coverFolder()));
         QVERIFY(QFileInfo(coverFolder()).isDir());
-    }
-
-    void eachCoverIsFetchedOnceAtTheLargeSize()
-    {
         rig->serveAlbum(u"A"_s, coveredSongs());
         rig->servePlaylist(u"P"_s, coveredSongs().mid(2));
         store->downloadAlbum(testAlbum(u"A"_s));
-        QTRY_VERIFY(!store->isRunning(u"album:A"_s));
+        runToEnd(albumKey);
         QCOMPARE(coversAsked(), (QStringList{u"front@1024"_s, u"back@1024"_s}));
         QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"back"_s}));
 
         store->downloadPlaylist(u"P"_s, u"Mix"_s);
-        QTRY_VERIFY(!store->isRunning(u"playlist:P"_s));
+        runToEnd(playlistKey);
         QCOMPARE(coversAsked().size(), 2);
     }
 
@@ -83,24 +76,18 @@ private Q_SLOTS:
         rig->serveAlbum(u"A"_s, coveredSongs());
         rig->server.on(u"getCoverArt"_s, FakeResponse{.status = 503, .contentType = "text/plain", .body = "busy"});
         store->downloadAlbum(testAlbum(u"A"_s));
-        QTRY_VERIFY(!store->isRunning(u"album:A"_s));
+        runToEnd(albumKey);
         QVERIFY(store->isDownloaded(u"album:A"_s));
         QCOMPARE(coversOnDisk(), QStringList());
 
-        store.reset();
-        rig->server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
-            return FakeResponse{.contentType = "image/jpeg", .body = DownloadRig::coverOf(request.value(u"id"_s))};
-        });
-        rig->server.clearLog();
-        store = rig->makeStore();
+        rig->server.on(u"getCoverArt"_s, coverAnswer);
+        restart();
         QVERIFY(store->isSweepingArtwork());
         QTRY_VERIFY(!store->isSweepingArtwork());
         QCOMPARE(sorted(coversAsked()), (QStringList{u"back@1024"_s, u"front@1024"_s}));
         QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"back"_s}));
 
-        store.reset();
-        rig->server.clearLog();
-        store = rig->makeStore();
+        restart();
         QTRY_VERIFY(!store->isSweepingArtwork());
         QCOMPARE(coversAsked(), QStringList());
     }
@@ -110,15 +97,13 @@ private Q_SLOTS:
         rig->serveAlbum(u"A"_s, coveredSongs());
         rig->server.on(u"getCoverArt"_s, FakeResponse{.status = 404, .contentType = "text/plain"});
         store->downloadAlbum(testAlbum(u"A"_s));
-        QTRY_VERIFY(!store->isRunning(u"album:A"_s));
-        store.reset();
-
+        runToEnd(albumKey);
         rig->server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
-            return FakeResponse{.contentType = "image/jpeg", .body = DownloadRig::coverOf(request.value(u"id"_s)),
-                                .delayMs = 200};
+            FakeResponse answer = coverAnswer(request);
+            answer.delayMs = 200;
+            return answer;
         });
-        rig->server.clearLog();
-        store = rig->makeStore();
+        restart();
         QTRY_VERIFY(!coversAsked().isEmpty());
         store->removeDownload(u"album:A"_s);
         QTRY_VERIFY(!store->isSweepingArtwork());
@@ -143,13 +128,6 @@ private Q_SLOTS:
         QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"other"_s}));
         store->removeDownload(u"playlist:P"_s);
         QVERIFY(QDir(coverFolder()).isEmpty());
-    }
-
-private:
-    static QStringList sorted(QStringList list)
-    {
-        list.sort();
-        return list;
     }
 };
 

@@ -1,9 +1,6 @@
-// Stopping downloads: between songs, in the middle of a file, once a file is whole but not yet recorded, during
-// the covers, and everything at once. What only the stopped collection held goes; what others hold stays.
+// Stopping downloads at every stage: what only the stopped collection held goes; what others hold stays.
 
 #include "downloadtesthelpers.h"
-#include "offline/filetransfer.h"
-#include "offline/manifestfile.h"
 
 #include <QSemaphore>
 #include <QThreadPool>
@@ -11,44 +8,32 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-const QString albumKey = u"album:A"_s;
-const QString playlistKey = u"playlist:P"_s;
 const QStringList allIds{u"s1"_s, u"s2"_s, u"s3"_s, u"s4"_s};
 
 // Holds the only thread of the global pool, so that work handed to it waits until open() is called.
-class PoolGate
-{
-public:
+struct PoolGate {
+    const int threads = QThreadPool::globalInstance()->maxThreadCount();
+    QSemaphore gate;
+    bool opened = false;
+
     PoolGate()
-        : m_threads(QThreadPool::globalInstance()->maxThreadCount())
     {
         QThreadPool::globalInstance()->setMaxThreadCount(1);
-        QThreadPool::globalInstance()->start([this] { m_open.acquire(); });
+        QThreadPool::globalInstance()->start([this] { gate.acquire(); });
     }
     ~PoolGate()
     {
         open();
-        QThreadPool::globalInstance()->setMaxThreadCount(m_threads);
+        QThreadPool::globalInstance()->setMaxThreadCount(threads);
     }
-    void open()
-    {
-        if (!std::exchange(m_opened, true))
-            m_open.release();
-    }
-
-private:
-    int m_threads;
-    QSemaphore m_open;
-    bool m_opened = false;
+    void open() { opened || (gate.release(), opened = true); }
 };
 }
 
-class DownloadCancelTest : public QObject
+class DownloadCancelTest : public DownloadTest
 {
     Q_OBJECT
 
-    std::unique_ptr<DownloadRig> rig;
-    std::shared_ptr<DownloadStore> store;
     const QList<Song> songs = numberedSongs(4);
 
     // Album A holds s1 and s2; playlist P lists s2, s3 and s4.
@@ -71,58 +56,38 @@ class DownloadCancelTest : public QObject
         QCOMPARE(loadManifest(store->directory()), store->manifest());
     }
 
-    [[nodiscard]] QList<qint64> partialFileSizes() const
-    {
-        QList<qint64> sizes;
-        const QStringList pattern{partialFilePrefix + u'*'};
-        for (const QFileInfo &file : QDir(rig->directory()).entryInfoList(pattern, QDir::Files | QDir::Hidden))
-            sizes.append(file.size());
-        return sizes;
-    }
-
 private Q_SLOTS:
-    void init()
+    void cancellingRemovesWhatOnlyItHeld_data()
     {
-        rig = std::make_unique<DownloadRig>();
-        store = rig->makeStore();
+        QTest::addColumn<bool>("midTransfer");
+        QTest::newRow("between songs") << false;
+        QTest::newRow("during a transfer") << true;
     }
 
-    void cleanup()
+    void cancellingRemovesWhatOnlyItHeld()
     {
-        store.reset();
-        rig.reset();
-    }
-
-    void cancellingBetweenSongsRemovesWhatOnlyItHeld()
-    {
+        QFETCH(bool, midTransfer);
         holdAlbumAndServePlaylist();
         rig->server.clearLog();
-        connect(store.get(), &DownloadStore::manifestChanged, this, [this] {
-            if (store->manifest().songs.value(u"s3"_s).owners.contains(playlistKey))
-                store->removeDownload(playlistKey);
-        });
-        store->downloadPlaylist(u"P"_s, u"Mix"_s);
-        QTRY_VERIFY(!store->isRunning(playlistKey));
+        if (midTransfer) {
+            rig->scripted.insert(u"s3"_s, stalledAudio(u"s3"_s));
+            store->downloadPlaylist(u"P"_s, u"Mix"_s);
+            QTRY_VERIFY(rig->requestedSongs().contains(u"s3"_s));
+            QVERIFY(store->isRunning(playlistKey));
+            store->removeDownload(playlistKey);
+        } else {
+            connect(store.get(), &DownloadStore::manifestChanged, this, [this] {
+                if (store->manifest().songs.value(u"s3"_s).owners.contains(playlistKey))
+                    store->removeDownload(playlistKey);
+            });
+            store->downloadPlaylist(u"P"_s, u"Mix"_s);
+        }
+        runToEnd(playlistKey);
         QCOMPARE(rig->requestedSongs(), QStringList{u"s3"_s});
         expectOnlyTheAlbumHeld();
     }
 
-    void cancellingDuringATransferLeavesNoFile()
-    {
-        holdAlbumAndServePlaylist();
-        rig->scripted.insert(u"s3"_s, FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s3"_s),
-                                                   .stallAfterBytes = 20'000});
-        store->downloadPlaylist(u"P"_s, u"Mix"_s);
-        QTRY_VERIFY(rig->requestedSongs().contains(u"s3"_s));
-        QVERIFY(store->isRunning(playlistKey));
-        store->removeDownload(playlistKey);
-        QTRY_VERIFY(!store->isRunning(playlistKey));
-        expectOnlyTheAlbumHeld();
-        QVERIFY(!rig->requestedSongs().contains(u"s4"_s));
-    }
-
-    // The moment between a file made whole and its record: the cancelled run keeps the file only for a record
-    // that another collection holds.
+    // Cancelled between a file made whole and its record: the file stays only if another collection records it.
     void aFileFinishedAsTheRunIsCancelledStaysOnlyForARecord_data()
     {
         QTest::addColumn<bool>("heldElsewhere");
@@ -143,12 +108,12 @@ private Q_SLOTS:
             PoolGate gate;
             store->downloadPlaylist(u"P"_s, u"Mix"_s);
             // Every byte is in the partial file; making it durable waits for the pool.
-            QTRY_COMPARE(partialFileSizes(), QList<qint64>{audioOf(u"s2"_s).size()});
+            QTRY_COMPARE(rig->partialFileSizes(), QList<qint64>{audioOf(u"s2"_s).size()});
             store->removeDownload(playlistKey);
             gate.open();
-            QTRY_VERIFY(!store->isRunning(playlistKey));
+            runToEnd(playlistKey);
         }
-        QVERIFY(partialFileSizes().isEmpty());
+        QVERIFY(rig->partialFileSizes().isEmpty());
         if (heldElsewhere) {
             QCOMPARE(rig->contentOf(u"s2"_s), audioOf(u"s2"_s));
             expectOnlyTheAlbumHeld();
@@ -163,7 +128,7 @@ private Q_SLOTS:
         holdAlbumAndServePlaylist();
         rig->scripted.insert(u"s4"_s, FakeResponse{.status = 404, .contentType = "text/plain", .body = "gone"});
         store->downloadPlaylist(u"P"_s, u"Mix"_s);
-        QTRY_VERIFY(!store->isRunning(playlistKey));
+        runToEnd(playlistKey);
         QCOMPARE(store->playlistProgress(u"P"_s), (DownloadProgress{.total = 3, .completed = 2, .failed = true}));
         QCOMPARE(rig->songsOnDisk(allIds), (QStringList{u"s1"_s, u"s2"_s, u"s3"_s}));
 
@@ -182,7 +147,7 @@ private Q_SLOTS:
         QVERIFY(store->isDownloaded(albumKey) && store->isRunning(albumKey));
 
         store->removeDownload(albumKey);
-        QTRY_VERIFY(!store->isRunning(albumKey));
+        runToEnd(albumKey);
         QVERIFY(store->isDownloaded(albumKey));
         QCOMPARE(rig->songsOnDisk(allIds), (QStringList{u"s1"_s, u"s2"_s}));
         QVERIFY(QDir(DownloadLayout::artworkDirectory(rig->directory())).isEmpty());
@@ -195,13 +160,10 @@ private Q_SLOTS:
     void removingAllDuringADownloadEmptiesTheFolder()
     {
         holdAlbumAndServePlaylist();
-        rig->scripted.insert(u"s3"_s, FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s3"_s),
-                                                   .stallAfterBytes = 20'000});
+        rig->scripted.insert(u"s3"_s, stalledAudio(u"s3"_s));
         store->downloadPlaylist(u"P"_s, u"Mix"_s);
         QTRY_VERIFY(rig->requestedSongs().contains(u"s3"_s));
-        QFile stray(rig->directory() + u"/left behind by an older version"_s);
-        QVERIFY(stray.open(QIODevice::WriteOnly));
-        stray.close();
+        QVERIFY(QFile(rig->directory() + u"/left behind by an older version"_s).open(QIODevice::WriteOnly));
 
         store->removeAll();
         const auto expectEmpty = [this] {
@@ -217,7 +179,7 @@ private Q_SLOTS:
         // Started again before the stopped run has woken: the old run must leave the new one alone.
         rig->scripted.clear();
         store->downloadPlaylist(u"P"_s, u"Mix"_s);
-        QTRY_VERIFY(!store->isRunning(playlistKey));
+        runToEnd(playlistKey);
         QTest::qWait(50);
         QVERIFY(store->isDownloaded(playlistKey));
         QCOMPARE(rig->songsOnDisk(allIds), (QStringList{u"s2"_s, u"s3"_s, u"s4"_s}));
@@ -227,8 +189,8 @@ private Q_SLOTS:
         expectEmpty();
     }
 
-    // A run stopped while its file is made durable wakes only later, when a new run of the same playlist may
-    // already be under way; it must not take that run's place or its progress.
+    // A run stopped while its file is made durable wakes after a new run of the same playlist began; it must
+    // not take that run's place or its progress.
     void aRunStoppedByRemoveAllWakesWithoutHarmingItsSuccessor()
     {
         rig->servePlaylist(u"P"_s, songs.mid(1));
@@ -239,14 +201,14 @@ private Q_SLOTS:
         {
             PoolGate gate;
             store->downloadPlaylist(u"P"_s, u"Mix"_s);
-            QTRY_COMPARE(partialFileSizes(), QList<qint64>{audioOf(u"s2"_s).size()});
+            QTRY_COMPARE(rig->partialFileSizes(), QList<qint64>{audioOf(u"s2"_s).size()});
             store->removeAll();
             progressVanished = false;
             store->downloadPlaylist(u"P"_s, u"Mix"_s);
             // removeAll took the old partial file; this one is the new run's, queued behind the old run's.
-            QTRY_COMPARE(partialFileSizes(), QList<qint64>{audioOf(u"s2"_s).size()});
+            QTRY_COMPARE(rig->partialFileSizes(), QList<qint64>{audioOf(u"s2"_s).size()});
             gate.open();
-            QTRY_VERIFY(!store->isRunning(playlistKey));
+            runToEnd(playlistKey);
         }
         QVERIFY(!progressVanished);
         QVERIFY(store->isDownloaded(playlistKey));

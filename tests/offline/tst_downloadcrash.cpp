@@ -1,11 +1,7 @@
-// A download killed with SIGKILL: the next start finds a manifest that reads, lists only whole songs, and a
-// folder without half files; starting the download again fetches only what is missing.
-//
-// The download runs in a child process, this same program started with "--download-child", against the fake
-// server of the test process.
+// A download killed with SIGKILL (in a child process, this program run with "--download-child"): the next
+// start finds a readable manifest of whole songs only and no half files, and fetches only what is missing.
 
 #include "downloadtesthelpers.h"
-#include "offline/filetransfer.h"
 #include "server/json.h"
 
 #include <QJsonDocument>
@@ -14,7 +10,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-const QString albumKey = u"album:A"_s;
 const QString childFlag = u"--download-child"_s;
 
 int runChild(const QString &root, const QUrl &server)
@@ -23,12 +18,6 @@ int runChild(const QString &root, const QUrl &server)
     const std::shared_ptr<DownloadStore> store = DownloadStore::create(client, DownloadLayout(root));
     store->downloadAlbum(testAlbum(u"A"_s));
     return QCoreApplication::exec();
-}
-
-QStringList sorted(QStringList list)
-{
-    list.sort();
-    return list;
 }
 }
 
@@ -54,13 +43,6 @@ class DownloadCrashTest : public QObject
         QCOMPARE(child.exitStatus(), QProcess::CrashExit);
     }
 
-    [[nodiscard]] bool partialFileHolds(qint64 bytes) const
-    {
-        const QStringList pattern{partialFilePrefix + u'*'};
-        const QFileInfoList files = QDir(rig->directory()).entryInfoList(pattern, QDir::Files | QDir::Hidden);
-        return files.size() == 1 && files.first().size() == bytes;
-    }
-
 private Q_SLOTS:
     void init()
     {
@@ -77,10 +59,9 @@ private Q_SLOTS:
 
     void killedMidFileTheNextStartFindsOnlyFinishedSongs()
     {
-        rig->scripted.insert(u"s3"_s, FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s3"_s),
-                                                   .stallAfterBytes = 20'000});
+        rig->scripted.insert(u"s3"_s, stalledAudio(u"s3"_s));
         startChild();
-        QTRY_VERIFY(partialFileHolds(20'000));
+        QTRY_COMPARE(rig->partialFileSizes(), QList<qint64>{20'000});
         killChild();
 
         const std::shared_ptr<DownloadStore> store = rig->makeStore();
@@ -99,8 +80,7 @@ private Q_SLOTS:
         QCOMPARE(rig->requestedSongs(), (QStringList{u"s3"_s, u"s4"_s}));
     }
 
-    // Killed at whatever point the download has reached after a number of files: every song the manifest
-    // lists has its whole file.
+    // Killed at any point: every song the manifest lists has its whole file.
     void killedAnywhereTheManifestListsOnlyWholeSongs_data()
     {
         QTest::addColumn<int>("filesAsked");

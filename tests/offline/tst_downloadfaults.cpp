@@ -1,11 +1,7 @@
-// What a bad server or a full disk leaves behind: a failed download, the songs stored before the fault, and a
-// manifest that still reads. Never a half file, and never a server's error text kept as a song or a cover.
+// A bad server or a full disk leaves a failed download, the songs stored before the fault and a manifest that
+// reads; never a half file, nor a server's error text kept as a song or a cover.
 
 #include "downloadtesthelpers.h"
-#include "offline/filetransfer.h"
-#include "offline/manifestfile.h"
-
-#include <QFileInfo>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -13,7 +9,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-const QString albumKey = u"album:A"_s;
 const QStringList ids{u"s1"_s, u"s2"_s, u"s3"_s};
 
 // Files written by this process may grow no larger than `bytes` while it lives: the disk is full for them.
@@ -33,20 +28,11 @@ public:
 private:
     rlimit m_before{};
 };
-
-QByteArray fileContent(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 }
 
-class DownloadFaultsTest : public QObject
+class DownloadFaultsTest : public DownloadTest
 {
     Q_OBJECT
-
-    std::unique_ptr<DownloadRig> rig;
-    std::shared_ptr<DownloadStore> store;
 
     // s2 had the fault: s1 is kept for the retry, nothing of s2 is on disk, and the disk agrees with memory.
     void expectFailedAtTheSecondSong()
@@ -60,15 +46,8 @@ class DownloadFaultsTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        rig = std::make_unique<DownloadRig>();
-        store = rig->makeStore();
+        DownloadTest::init();
         rig->serveAlbum(u"A"_s, numberedSongs(3));
-    }
-
-    void cleanup()
-    {
-        store.reset();
-        rig.reset();
     }
 
     void aServerThatDiesMidFileFailsThatSong()
@@ -76,7 +55,7 @@ private Q_SLOTS:
         rig->scripted.insert(u"s2"_s, FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s2"_s),
                                                    .dropAfterBytes = 30'000});
         store->downloadAlbum(testAlbum(u"A"_s));
-        QTRY_VERIFY(!store->isRunning(albumKey));
+        runToEnd(albumKey);
         expectFailedAtTheSecondSong();
         QCOMPARE(loadManifest(store->directory()), store->manifest());
         QCOMPARE(rig->requestedSongs(), (QStringList{u"s1"_s, u"s2"_s}));
@@ -101,7 +80,7 @@ private Q_SLOTS:
         const QByteArray body = FakeSubsonicServer::failed(70, u"Song not found"_s);
         rig->scripted.insert(u"s2"_s, FakeResponse{.contentType = contentType, .body = body});
         store->downloadAlbum(testAlbum(u"A"_s));
-        QTRY_VERIFY(!store->isRunning(albumKey));
+        runToEnd(albumKey);
         if (stored) {
             QVERIFY(store->isDownloaded(albumKey));
             QCOMPARE(rig->contentOf(u"s2"_s), body);
@@ -122,7 +101,7 @@ private Q_SLOTS:
             return FakeResponse{.contentType = "image/png", .body = DownloadRig::coverOf(request.value(u"id"_s))};
         });
         store->downloadAlbum(testAlbum(u"A"_s));
-        QTRY_VERIFY(!store->isRunning(albumKey));
+        runToEnd(albumKey);
         const QString covers = DownloadLayout::artworkDirectory(rig->directory());
         QCOMPARE(QDir(covers).entryList(QDir::Files), QStringList{DownloadLayout::coverFileName(u"kept"_s)});
         const QString kept = covers + u'/' + DownloadLayout::coverFileName(u"kept"_s);
@@ -144,7 +123,7 @@ private Q_SLOTS:
             // s1 fits, s2 does not, and neither does any larger manifest.
             FileSizeLimit full(manifestBefore.size());
             store->downloadAlbum(testAlbum(u"A"_s));
-            QTRY_VERIFY(!store->isRunning(u"album:A"_s));
+            runToEnd(albumKey);
         }
         QCOMPARE(store->albumProgress(u"A"_s), (DownloadProgress{.total = 3, .completed = 1, .failed = true}));
         QCOMPARE(fileContent(manifestPath), manifestBefore);
@@ -156,7 +135,7 @@ private Q_SLOTS:
 
         // Space again: the retry finishes, and the disk holds what memory holds.
         store->downloadAlbum(testAlbum(u"A"_s));
-        QTRY_VERIFY(!store->isRunning(albumKey));
+        runToEnd(albumKey);
         QVERIFY(store->isDownloaded(albumKey));
         QCOMPARE(loadManifest(rig->directory()), store->manifest());
         QCOMPARE(rig->contentOf(u"s2"_s), audioOf(u"s2"_s));

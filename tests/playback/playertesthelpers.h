@@ -6,6 +6,9 @@
 #include "fakeaudioengine.h"
 #include "playback/playercontroller.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 // "a b c" gives three songs with ids a, b and c.
@@ -32,9 +35,27 @@ inline QString sortedOrder(const QList<Song> &songs)
     return ids.join(QLatin1Char(' '));
 }
 
+inline QString currentId(const PlayerController &controller)
+{
+    const auto song = controller.currentSong();
+    return song ? song->id : QString();
+}
+
+// Writes `bytes` to `path`, making its folder; false when that failed.
+inline bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
 struct Player {
+    explicit Player(PlayerStorage storage = {})
+        : controller(&engine, storage)
+    {
+    }
     FakeAudioEngine engine;
-    PlayerController controller{&engine};
+    PlayerController controller;
     SubsonicClient client{ServerConfig{.baseURL = QUrl(QStringLiteral("http://127.0.0.1:9")),
                                        .username = QStringLiteral("u"),
                                        .password = QStringLiteral("p")}};
@@ -43,11 +64,7 @@ struct Player {
     {
         controller.play(makeSongs(ids), startingAt, client, std::nullopt);
     }
-    [[nodiscard]] QString current() const
-    {
-        const auto song = controller.currentSong();
-        return song ? song->id : QString();
-    }
+    [[nodiscard]] QString current() const { return currentId(controller); }
 };
 
 // The engine plays the current song with exactly one item behind it, the song that comes next, when there is

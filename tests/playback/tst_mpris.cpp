@@ -82,6 +82,8 @@ class MprisTest : public QObject
     std::unique_ptr<Player> m_player;
     std::unique_ptr<MprisService> m_service;
 
+    void playTagged() { m_player->controller.play(songsWithTags(), 0, m_player->client, std::nullopt); }
+
 private Q_SLOTS:
     void init()
     {
@@ -100,20 +102,9 @@ private Q_SLOTS:
         m_player.reset();
     }
 
-    // What the controls show.
-
-    void theStatusFollowsThePlayer()
-    {
-        QCOMPARE(playerctl({u"status"_s}), u"Stopped"_s);
-        m_player->controller.play(songsWithTags(), 0, m_player->client, std::nullopt);
-        QCOMPARE(playerctl({u"status"_s}), u"Playing"_s);
-        m_player->controller.pause();
-        QCOMPARE(playerctl({u"status"_s}), u"Paused"_s);
-    }
-
     void theMetadataDescribesTheCurrentSong()
     {
-        m_player->controller.play(songsWithTags(), 0, m_player->client, std::nullopt);
+        playTagged();
         QCOMPARE(playerctl({u"metadata"_s, u"--format"_s,
                             u"{{title}}|{{artist}}|{{album}}|{{mpris:length}}|{{mpris:artUrl}}"_s}),
                  u"Song a|Artist a|Album a|200000000|file:///tmp/covers/a.jpg"_s);
@@ -131,7 +122,7 @@ private Q_SLOTS:
     {
         QDBusConnection other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"watcher"_s);
         ChangeWatcher watcher(other);
-        m_player->controller.play(songsWithTags(), 0, m_player->client, std::nullopt);
+        playTagged();
         QTRY_COMPARE(watcher.seen.value(u"PlaybackStatus"_s).toString(), u"Playing"_s);
         QVERIFY(watcher.seen.contains(u"Metadata"_s));
         m_player->controller.pause();
@@ -141,13 +132,14 @@ private Q_SLOTS:
         QDBusConnection::disconnectFromBus(u"watcher"_s);
     }
 
-    // What the controls do.
-
-    void playPauseNextAndPreviousDriveTheQueue()
+    void theStatusFollowsAndPlayPauseNextAndPreviousDriveTheQueue()
     {
-        m_player->controller.play(songsWithTags(), 0, m_player->client, std::nullopt);
+        QCOMPARE(playerctl({u"status"_s}), u"Stopped"_s);
+        playTagged();
+        QCOMPARE(playerctl({u"status"_s}), u"Playing"_s);
         playerctl({u"play-pause"_s});
         QVERIFY(!m_player->controller.isPlaying());
+        QCOMPARE(playerctl({u"status"_s}), u"Paused"_s);
         playerctl({u"play-pause"_s});
         QVERIFY(m_player->controller.isPlaying());
         playerctl({u"pause"_s});
@@ -163,7 +155,7 @@ private Q_SLOTS:
 
     void thePositionIsReadAndSet()
     {
-        m_player->controller.play(songsWithTags(), 0, m_player->client, std::nullopt);
+        playTagged();
         Q_EMIT m_player->engine.positionTicked(12.5);
         // Paused, so that playerctl does not add the time it took to ask.
         m_player->controller.pause();
@@ -179,15 +171,13 @@ private Q_SLOTS:
         QCOMPARE(m_player->controller.volume(), 0.4F);
     }
 
-    // Sleep.
-
     void sleepPausesAndWakingKeepsTheEngineStill()
     {
         QDBusConnection logind = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"logind"_s);
         QVERIFY(logind.registerService(u"org.freedesktop.login1"_s));
         SleepWatcher watcher(&m_player->controller, QDBusConnection::sessionBus());
         QVERIFY(watcher.isWatching());
-        m_player->controller.play(songsWithTags(), 0, m_player->client, std::nullopt);
+        playTagged();
 
         const auto prepare = [&](bool sleeping) {
             QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/login1"_s,

@@ -37,19 +37,14 @@ public:
     }
 
     PlayerController &controller() { return *m_controller; }
-    [[nodiscard]] QString current() const
-    {
-        const auto song = m_controller->currentSong();
-        return song ? song->id : QString();
-    }
+    [[nodiscard]] QString current() const { return currentId(*m_controller); }
     MpvAudioEngine &engine() { return *m_engine; }
-
     void play(const QString &ids, qsizetype startingAt = 0)
     {
         m_controller->play(makeSongs(ids), startingAt, client, std::nullopt);
     }
 
-    // Waits for the queue to run out by itself, then closes the output and reads it.
+    // Waits for the queue to run out by itself; output() then closes the file and reads it.
     [[nodiscard]] bool waitForEnd()
     {
         return QTest::qWaitFor([this] { return !m_controller->currentIndex().has_value(); }, endTimeoutMs);
@@ -109,8 +104,6 @@ private Q_SLOTS:
         QCOMPARE(qsizetype(m_tone->samples.size()), 3 * m_tone->partSamples);
     }
 
-    // Songs following one another.
-
     void threeFilesCutFromOneTonePlayBackAsTheTone()
     {
         RealPlayer player(*m_tone, nextOutputPath());
@@ -158,8 +151,6 @@ private Q_SLOTS:
         verifySeamless(player.output(), AudioFixture::concat({m_tone->part(0), m_tone->part(2)}));
     }
 
-    // Where songs come from.
-
     void aSongWithoutAFileStreamsFromTheServer()
     {
         FakeSubsonicServer server;
@@ -195,8 +186,6 @@ private Q_SLOTS:
         verifySeamless(player.output(), m_tone->part(1));
     }
 
-    // Outputs.
-
     void theOutputsAreOfferedWithTheChosenOne()
     {
         RealPlayer player(*m_tone, nextOutputPath());
@@ -212,8 +201,6 @@ private Q_SLOTS:
         QTRY_COMPARE(player.controller().outputDevice(), u"null"_s);
     }
 
-    // Position and transport.
-
     void aRestoredSessionWaitsPausedAndResumesAtTheSavedPlace()
     {
         const QString folder = m_dir.filePath(u"session"_s);
@@ -222,11 +209,7 @@ private Q_SLOTS:
                                        .queue = makeSongs(u"0 1"_s),
                                        .currentIndex = 1,
                                        .currentTime = 0.5};
-        QVERIFY(QDir().mkpath(folder));
-        QFile file(player.controller().sessionFilePath());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(snapshot.encode());
-        file.close();
+        QVERIFY(writeFile(player.controller().sessionFilePath(), snapshot.encode()));
 
         QSignalSpy ready(&player.engine(), &AudioEngine::itemReady);
         player.controller().restoreSession(player.client);

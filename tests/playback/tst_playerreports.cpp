@@ -5,7 +5,6 @@
 
 #include "playback/sessionsnapshot.h"
 
-#include <QDir>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -74,8 +73,6 @@ private Q_SLOTS:
         m_settings.reset();
     }
 
-    // Scrobbles.
-
     void aPlayIsReportedAtItsStartAndSubmittedAtTheThreshold_data()
     {
         QTest::addColumn<std::optional<qint64>>("duration");
@@ -104,9 +101,9 @@ private Q_SLOTS:
         QVERIFY(!m_server.requests(u"scrobble"_s).last().names().contains(u"time"_s));
     }
 
-    void aPausedSongIsNotSubmittedUntilItPlaysOn()
+    void aPausedSongIsNotSubmittedUntilItPlaysOnAndTheNextIsReportedAsItBegins()
     {
-        m_controller->play({songOf(u"a"_s, 100)}, 0, client(), std::nullopt);
+        m_controller->play({songOf(u"a"_s, 100), songOf(u"b"_s, 100)}, 0, client(), std::nullopt);
         QTRY_COMPARE(scrobbles().size(), 1);
         m_controller->pause();
         tick(60);
@@ -115,14 +112,8 @@ private Q_SLOTS:
         m_controller->togglePlayPause();
         tick(60.5);
         QTRY_COMPARE(scrobbles(), (QStringList{u"a:false"_s, u"a:true"_s}));
-    }
-
-    void eachSongOfTheQueueIsReportedAsItBegins()
-    {
-        m_controller->play({songOf(u"a"_s, 100), songOf(u"b"_s, 100)}, 0, client(), std::nullopt);
-        QTRY_COMPARE(scrobbles().size(), 1);
         m_engine->finishCurrent(FakeAudioEngine::EndStyle::EngineMovesOn);
-        QTRY_COMPARE(scrobbles(), (QStringList{u"a:false"_s, u"b:false"_s}));
+        QTRY_COMPARE(scrobbles(), (QStringList{u"a:false"_s, u"a:true"_s, u"b:false"_s}));
     }
 
     void nothingIsReportedWhenScrobblingIsOff()
@@ -144,11 +135,7 @@ private Q_SLOTS:
                                        .queue = {songOf(u"a"_s, 300)},
                                        .currentIndex = 0,
                                        .currentTime = 200};
-        QVERIFY(QDir().mkpath(m_dir.filePath(u"data"_s)));
-        QFile file(m_controller->sessionFilePath());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(snapshot.encode());
-        file.close();
+        QVERIFY(writeFile(m_controller->sessionFilePath(), snapshot.encode()));
 
         m_controller->restoreSession(client());
         QTest::qWait(quietMs);
@@ -161,8 +148,7 @@ private Q_SLOTS:
         QCOMPARE(scrobbles(), QStringList{u"a:false"_s});
     }
 
-    // Volume.
-
+    // Written once the slider rests, or at once by a save.
     void theVolumeIsWrittenOnceTheSliderRests()
     {
         m_controller->setVolume(0.2F);
@@ -171,10 +157,6 @@ private Q_SLOTS:
         QVERIFY(!m_settings->contains(u"volume"_s));
         QTRY_VERIFY_WITH_TIMEOUT(m_settings->contains(u"volume"_s), 1000);
         QCOMPARE(m_settings->value(u"volume"_s).toFloat(), 0.3F);
-    }
-
-    void savingTheSessionWritesTheVolumeAtOnce()
-    {
         m_controller->setVolume(0.7F);
         m_controller->saveSession();
         QCOMPARE(m_settings->value(u"volume"_s).toFloat(), 0.7F);

@@ -53,7 +53,6 @@ private Q_SLOTS:
         QTest::newRow("port, no scheme") << u"nas.local:4533"_s << u"https://nas.local:4533"_s;
         QTest::newRow("other scheme") << u"ftp://example.org"_s << u"ftp://example.org"_s;
         QTest::newRow("blank") << u"   "_s << QString();
-        QTest::newRow("empty") << QString() << QString();
         QTest::newRow("no host") << u"://"_s << QString();
     }
 
@@ -69,7 +68,6 @@ private Q_SLOTS:
     {
         {
             AppState state(settings.get());
-            QVERIFY(!state.isSignedIn());
             QSignalSpy changed(&state, &AppState::clientChanged);
             awaitTask(state.connect(server->baseURL().toString() + u"/"_s, u"alice"_s, password));
             QVERIFY(state.isSignedIn());
@@ -81,7 +79,7 @@ private Q_SLOTS:
         QCOMPARE(Keychain::password(account()), password);
         QFile file(settings->fileName());
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(!QString::fromUtf8(file.readAll()).contains(u"wörd"_s));
+        QVERIFY(!QString::fromUtf8(file.readAll()).contains(u"wörd"_s)); // the password lives in the keychain only
 
         const int pings = server->count(u"ping"_s);
         AppState restored(settings.get());
@@ -95,8 +93,7 @@ private Q_SLOTS:
     {
         AppState state(settings.get());
         const auto wrong = awaitFailure<SubsonicError>(state.connect(server->baseURL().toString(), u"alice"_s, u"x"_s));
-        QVERIFY(wrong);
-        QCOMPARE(wrong->description(), u"Wrong username or password."_s);
+        QCOMPARE(wrong.value().description(), u"Wrong username or password."_s);
         expectSignedOutAndUnsaved(state);
         QCOMPARE(Keychain::password(account()), std::nullopt);
 

@@ -48,38 +48,24 @@ private Q_SLOTS:
 
     void signedUrlHasFixedParametersFirst()
     {
-        const SubsonicClient client(ServerConfig{QUrl(u"https://music.example.org"_s), u"alice"_s, u"pw"_s});
+        const SubsonicClient client(ServerConfig{QUrl(u"https://music.example.org:4533/music"_s), u"alice"_s, u"pw"_s});
         const QUrl url = client.url(u"ping"_s, {{u"id"_s, u"1"_s}});
-        QCOMPARE(url.path(), u"/rest/ping"_s);
-        const QList<std::pair<QString, QString>> items = QUrlQuery(url).queryItems();
+        QCOMPARE(url.path(), u"/music/rest/ping"_s);
+        QCOMPARE(url.port(), 4533);
         QStringList names;
-        for (const auto &item : items)
+        for (const auto &item : QUrlQuery(url).queryItems())
             names.append(item.first);
         QCOMPARE(names, fixedNames + QStringList{u"id"_s});
-        QUrlQuery query(url);
+        const QUrlQuery query(url);
         QCOMPARE(query.queryItemValue(u"v"_s), u"1.16.1"_s);
         QCOMPARE(query.queryItemValue(u"c"_s), u"Velto"_s);
         QCOMPARE(query.queryItemValue(u"f"_s), u"json"_s);
-
         const QString salt = query.queryItemValue(u"s"_s);
         QCOMPARE(salt.size(), 12);
         const QByteArray expected = QCryptographicHash::hash(("pw" + salt).toUtf8(), QCryptographicHash::Md5).toHex();
         QCOMPARE(query.queryItemValue(u"t"_s).toLatin1(), expected);
-        QVERIFY(SubsonicClient::token(u"pw"_s, salt) != SubsonicClient::token(salt, u"pw"_s));
-        QVERIFY(!url.toString().contains(u"pw"_s + salt));
-
         QVERIFY(client.url(u"ping"_s) != client.url(u"ping"_s));
-    }
 
-    void basePathIsKept()
-    {
-        const SubsonicClient client(ServerConfig{QUrl(u"http://host:4533/music"_s), u"a"_s, u"b"_s});
-        QCOMPARE(client.url(u"ping"_s).path(), u"/music/rest/ping"_s);
-        QCOMPARE(client.url(u"ping"_s).port(), 4533);
-    }
-
-    void saltDrawsFromTheWholeAlphabet()
-    {
         QCOMPARE(SubsonicClient::makeSalt(0), QString());
         QSet<QChar> seen;
         for (int i = 0; i < 200; ++i) {
@@ -125,7 +111,6 @@ private Q_SLOTS:
                  SubsonicError::invalidResponse());
         QCOMPARE(decodeFailure<Empty>(R"({"subsonic-response":{"status":"OK"}})"),
                  SubsonicError::server(-1, u"Unknown server error"_s));
-        // A failed answer is not judged by its payload.
         QCOMPARE(decodeFailure<AlbumPayload>(
                      R"({"subsonic-response":{"status":"failed","error":{"code":40,"message":"nope"}},"album":7})"),
                  SubsonicError::server(40, u"nope"_s));
@@ -141,11 +126,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("status");
         QTest::addColumn<bool>("succeeds");
-        QTest::newRow("200") << 200 << true;
         QTest::newRow("299") << 299 << true;
         QTest::newRow("300") << 300 << false;
         QTest::newRow("401") << 401 << false;
-        QTest::newRow("500") << 500 << false;
     }
 
     void httpStatusDecidesBeforeTheBody()
@@ -164,9 +147,8 @@ private Q_SLOTS:
         server->enqueue(u"getAlbum"_s, FakeResponse{.contentType = "text/html", .body = "<html>login</html>"});
         server->enqueue(u"getAlbum"_s, FakeSubsonicServer::json({{u"album"_s, QJsonObject{{u"id"_s, 5}}}}));
         server->enqueue(u"getAlbum"_s, FakeResponse{.body = QByteArray(SubsonicClient::maxAnswerBytes + 10, ' ')});
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 3; ++i)
             QCOMPARE(awaitFailure<SubsonicError>(clientFor().album(u"1"_s)), SubsonicError::invalidResponse());
-        }
     }
 
     void transportFailuresPassThrough()

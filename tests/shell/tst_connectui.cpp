@@ -1,5 +1,5 @@
-// The application as a user meets it: the real main window from QML over a local test server, driven by
-// keyboard and mouse. Screenshots of each state are written next to the test build for people to look at.
+// The real main window from QML over a local test server, driven by keyboard and mouse.
+// Screenshots of each state are written next to the test build.
 
 #include "fakesubsonicserver.h"
 #include "playback/playercontroller.h"
@@ -66,12 +66,17 @@ class ConnectUiTest : public QObject
         QVERIFY(window->grabWindow().save(screenshotDir() + u'/' + name + u".png"_s));
     }
 
+    void click(QQuickItem *item)
+    {
+        const QPoint centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+        QTest::mouseClick(running->window, Qt::LeftButton, {}, centre);
+    }
+
     void typeInto(const QString &field, const QString &text)
     {
         QQuickItem *item = running->find(field);
         QVERIFY2(item, qPrintable(field));
-        const QPoint centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
-        QTest::mouseClick(running->window, Qt::LeftButton, {}, centre);
+        click(item);
         QTRY_VERIFY(item->hasActiveFocus());
         QTest::keySequence(running->window, QKeySequence::SelectAll);
         for (const QChar c : text)
@@ -80,13 +85,6 @@ class ConnectUiTest : public QObject
     }
 
     void pressReturn() { QTest::keyClick(running->window, Qt::Key_Return); }
-
-    void fillForm(const QString &password)
-    {
-        typeInto(u"serverField"_s, server.baseURL().toString());
-        typeInto(u"usernameField"_s, u"alice"_s);
-        typeInto(u"passwordField"_s, password);
-    }
 
     QQuickWindow *openSettings()
     {
@@ -112,7 +110,7 @@ private Q_SLOTS:
         server.on(u"getStarred2"_s, FakeSubsonicServer::json({{u"starred2"_s, QJsonObject()}}));
     }
 
-    void blankFormsAreNotSent()
+    void aBlankServerIsNotSentAndAWrongPasswordIsShown()
     {
         QVERIFY(start());
         screenshot(running->window, u"connect-empty"_s);
@@ -120,18 +118,14 @@ private Q_SLOTS:
         QVERIFY(!button->isEnabled());
         typeInto(u"serverField"_s, u"   "_s);
         typeInto(u"usernameField"_s, u"alice"_s);
-        typeInto(u"passwordField"_s, rightPassword);
+        typeInto(u"passwordField"_s, u"wrong"_s);
         QVERIFY(!button->isEnabled());
         pressReturn();
         QTest::qWait(100);
         QCOMPARE(server.count(u"ping"_s), 0);
-    }
 
-    void aWrongPasswordIsShownUnderTheForm()
-    {
-        QVERIFY(start());
-        fillForm(u"wrong"_s);
-        QVERIFY(running->find(u"connectButton"_s)->isEnabled());
+        typeInto(u"serverField"_s, server.baseURL().toString());
+        QVERIFY(button->isEnabled());
         pressReturn();
         auto *error = running->find(u"errorText"_s);
         QTRY_VERIFY(error->isVisible());
@@ -146,7 +140,9 @@ private Q_SLOTS:
     void theRightPasswordOpensTheMainViewAndIsRemembered()
     {
         QVERIFY(start());
-        fillForm(rightPassword);
+        typeInto(u"serverField"_s, server.baseURL().toString());
+        typeInto(u"usernameField"_s, u"alice"_s);
+        typeInto(u"passwordField"_s, rightPassword);
         pressReturn();
         QTRY_VERIFY(showsMainView());
         QCOMPARE(running->find(u"signedInServer"_s)->property("text").toString(), server.baseURL().toString());
@@ -160,17 +156,10 @@ private Q_SLOTS:
         QVERIFY(showsMainView()); // restored at once, before any answer could arrive
         QTest::qWait(200);
         QCOMPARE(server.count(u"ping"_s), pings);
-    }
 
-    void theSettingsWindowShowsTheAccount()
-    {
-        QVERIFY(start());
-        QVERIFY(showsMainView());
-        QQuickWindow *settings = openSettings();
+        QQuickWindow *settings = openSettings(); // which shows the account
         QVERIFY(settings);
-        QCOMPARE(settings->width(), 400);
-        auto *scrobble = settings->findChild<QQuickItem *>(u"scrobbleSwitch"_s);
-        QVERIFY(scrobble->property("checked").toBool());
+        QVERIFY(settings->findChild<QQuickItem *>(u"scrobbleSwitch"_s)->property("checked").toBool());
         QCOMPARE(settings->findChild<QQuickItem *>(u"settingsServer"_s)->property("text").toString(),
                  server.baseURL().toString());
         screenshot(settings, u"settings-signed-in"_s);
@@ -179,23 +168,20 @@ private Q_SLOTS:
 
     void theLastQueueComesBackPaused()
     {
-        const QList<Song> queue{Song{.id = u"s1"_s, .title = u"First"_s, .duration = 200},
-                                Song{.id = u"s2"_s, .title = u"Second"_s, .duration = 200}};
-        SessionSnapshot snapshot{.serverKey = u"alice@"_s + server.baseURL().toString(), .queue = queue};
+        // Where a paused song comes back is the player's concern; here, that a start restores at all.
+        SessionSnapshot snapshot{.serverKey = u"alice@"_s + server.baseURL().toString(),
+                                 .queue = {Song{.id = u"s1"_s, .duration = 200}, Song{.id = u"s2"_s, .duration = 200}}};
         snapshot.currentIndex = 1;
-        snapshot.currentTime = 42;
         const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velto"_s;
         QDir().mkpath(folder);
         QFile file(folder + u"/session.json"_s);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QJsonDocument(snapshot.toJson()).toJson());
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(snapshot.toJson()).toJson()) > 0);
         file.close();
 
         QVERIFY(start());
         PlayerController *player = running->app.player();
         QTRY_VERIFY(player->currentSong().has_value());
         QCOMPARE(player->currentSong()->id, u"s2"_s);
-        QCOMPARE(player->currentTime(), 42.0);
         QVERIFY(!player->isPlaying());
     }
 
@@ -203,9 +189,7 @@ private Q_SLOTS:
     {
         QVERIFY(start());
         QVERIFY(showsMainView());
-        auto *logOut = running->find(u"logOutButton"_s);
-        const QPoint centre = logOut->mapToScene(QPointF(logOut->width() / 2, logOut->height() / 2)).toPoint();
-        QTest::mouseClick(running->window, Qt::LeftButton, {}, centre);
+        click(running->find(u"logOutButton"_s));
         QTRY_VERIFY(!showsMainView());
         QTRY_VERIFY(running->find(u"serverField"_s));
         for (const QString &field : {u"serverField"_s, u"usernameField"_s, u"passwordField"_s})

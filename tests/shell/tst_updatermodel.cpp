@@ -60,13 +60,27 @@ private Q_SLOTS:
         QCOMPARE(server.count(u"feed.json"_s), 0);
     }
 
-    void aNewerReleaseIsReportedWithItsNotesAndPage()
+    void aNewerReleaseIsOfferedWithItsNotesAndPage_data()
     {
-        auto updater = makeUpdater();
-        updater->checkForUpdates();
+        QTest::addColumn<QString>("offered");
+        QTest::addColumn<QString>("current");
+        QTest::addColumn<bool>("inBackground");
+        QTest::newRow("asked") << u"0.2.0"_s << u"0.1.0"_s << false;
+        QTest::newRow("versions compare as numbers, in background") << u"0.10.0"_s << u"0.9.3"_s << true;
+    }
+
+    void aNewerReleaseIsOfferedWithItsNotesAndPage()
+    {
+        QFETCH(QString, offered);
+        QFETCH(QString, current);
+        QFETCH(bool, inBackground);
+        serveFeed(u"{\"version\": \"%1\", \"notes\": \"Faster start.\", \"url\": \"https://example.org/velto\"}"_s
+                      .arg(offered).toUtf8());
+        auto updater = makeUpdater(current);
+        inBackground ? updater->checkForUpdatesInBackground() : updater->checkForUpdates();
         waitForCheck(*updater);
         QVERIFY(updater->hasReport());
-        QVERIFY(updater->reportText().contains(u"0.2.0"_s));
+        QVERIFY(updater->reportText().contains(offered));
         QVERIFY(updater->reportText().contains(u"Faster start."_s));
         QCOMPARE(updater->reportLink(), QUrl(u"https://example.org/velto"_s));
         updater->dismissReport();
@@ -86,30 +100,25 @@ private Q_SLOTS:
         QVERIFY(updater->reportLink().isEmpty());
     }
 
-    void versionsCompareAsNumbers()
-    {
-        serveFeed("{\"version\": \"0.10.0\", \"url\": \"https://example.org/velto\"}");
-        auto updater = makeUpdater(u"0.9.3"_s);
-        updater->checkForUpdatesInBackground();
-        waitForCheck(*updater);
-        QVERIFY(updater->hasReport());
-        QVERIFY(updater->reportText().contains(u"0.10.0"_s));
-    }
-
     void badFeedsAreFailuresNeverOffers_data()
     {
+        QTest::addColumn<int>("status");
         QTest::addColumn<QByteArray>("body");
-        QTest::newRow("html page") << QByteArray("<html><body>Not here</body></html>");
-        QTest::newRow("number as version") << QByteArray("{\"version\": 2, \"url\": \"https://example.org\"}");
-        QTest::newRow("version with words") << QByteArray("{\"version\": \"2.0-beta\", \"url\": \"https://example.org\"}");
-        QTest::newRow("file link") << QByteArray("{\"version\": \"9.0\", \"url\": \"file:///etc/passwd\"}");
-        QTest::newRow("no link") << QByteArray("{\"version\": \"9.0\"}");
+        const QByteArray offer = "{\"version\": \"9.0\", \"url\": \"https://example.org\"}";
+        QTest::newRow("html page") << 200 << QByteArray("<html><body>Not here</body></html>");
+        QTest::newRow("number as version") << 200 << QByteArray("{\"version\": 2, \"url\": \"https://example.org\"}");
+        QTest::newRow("version with words") << 200 << QByteArray("{\"version\": \"2.0-beta\", \"url\": \"https://example.org\"}");
+        QTest::newRow("file link") << 200 << QByteArray("{\"version\": \"9.0\", \"url\": \"file:///etc/passwd\"}");
+        QTest::newRow("no link") << 200 << QByteArray("{\"version\": \"9.0\"}");
+        QTest::newRow("oversized") << 200 << QByteArray(200 * 1024, ' ') + offer;
+        QTest::newRow("not found") << 404 << offer;
     }
 
     void badFeedsAreFailuresNeverOffers()
     {
+        QFETCH(int, status);
         QFETCH(QByteArray, body);
-        serveFeed(body);
+        server.on(u"feed.json"_s, FakeResponse{.status = status, .body = body});
         auto updater = makeUpdater();
         updater->checkForUpdatesInBackground();
         waitForCheck(*updater);
@@ -119,24 +128,6 @@ private Q_SLOTS:
         waitForCheck(*updater);
         QCOMPARE(updater->reportTitle(), u"Update Error"_s);
         QVERIFY(updater->reportLink().isEmpty());
-    }
-
-    void anOversizedFeedIsCutOffAndAFailure()
-    {
-        serveFeed(QByteArray(200 * 1024, ' ') + "{\"version\": \"9.0\", \"url\": \"https://example.org\"}");
-        auto updater = makeUpdater();
-        updater->checkForUpdates();
-        waitForCheck(*updater);
-        QCOMPARE(updater->reportTitle(), u"Update Error"_s);
-    }
-
-    void anUnreachableFeedIsAFailure()
-    {
-        server.on(u"feed.json"_s, FakeResponse{.status = 404, .contentType = "text/html", .body = "missing"});
-        auto updater = makeUpdater();
-        updater->checkForUpdates();
-        waitForCheck(*updater);
-        QCOMPARE(updater->reportTitle(), u"Update Error"_s);
     }
 
     void theLaunchCheckRunsOnceAndOnlyWhenAutomatic()
