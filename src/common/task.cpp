@@ -60,8 +60,6 @@ void TaskHandle::start(std::function<QCoro::Task<>(CancelToken)> work)
 void TaskHandle::cancel()
 {
     m_token.cancel();
-    if (m_running)
-        *m_running = false;
 }
 
 bool TaskHandle::isRunning() const

@@ -4,14 +4,17 @@
 //
 // Work is a QCoro coroutine started on the main thread. The object that may have to cancel it owns a
 // TaskHandle; the coroutine receives a CancelToken by value. Cancelling sets the token's flag and aborts the
-// network reply in flight, which finishes that reply at once, so the coroutine resumes inside cancel().
+// network reply in flight. The coroutine does not resume inside cancel(): QCoro hands the aborted reply's end
+// to the event loop, so it resumes later, by which time its owner may be gone.
 //
 // Rules for every coroutine that captures `this`:
 //   - right after each co_await, test `token.isCancelled()` and return without touching `this` if it is set;
-//   - the owner declares its TaskHandle members after everything the coroutine reads, so the handles are
-//     destroyed (and cancel) first;
+//   - await only through objects that outlive the owner or live in the coroutine's own frame: copy the
+//     SubsonicClient into a local rather than awaiting through a member, and give a network manager that
+//     replies still use to deleteLater();
 //   - replies are released with deleteLater(), never delete, since they may still be delivering signals.
-// A coroutine that is suspended on something other than a tracked reply resumes later and sees the flag.
+// Destroying a TaskHandle cancels its task, and that is all it does: the coroutine frame lives on until the
+// coroutine has seen the flag and returned.
 
 #include <QCoroTask>
 #include <QPointer>
@@ -57,11 +60,14 @@ public:
     TaskHandle &operator=(const TaskHandle &) = delete;
     ~TaskHandle() { cancel(); }
 
-    // Cancels the running task, if any, and starts `work` with a fresh token. Exceptions that escape the
-    // coroutine are dropped: stores catch what they start and decide what a failure means themselves.
+    // Cancels the task of this handle, if any, and starts `work` with a fresh token. Exceptions that escape
+    // the coroutine are dropped: stores catch what they start and decide what a failure means themselves.
     void start(std::function<QCoro::Task<>(CancelToken)> work);
     void cancel();
+    // From start() until the coroutine has returned, cancelled or not.
     [[nodiscard]] bool isRunning() const;
+    // Running and not cancelled: the test for "this work is already under way".
+    [[nodiscard]] bool isActive() const { return isRunning() && !m_token.isCancelled(); }
 
 private:
     CancelToken m_token;

@@ -14,8 +14,8 @@ bool meansOffline(QNetworkReply::NetworkError code)
     case QNetworkReply::HostNotFoundError:
     case QNetworkReply::TimeoutError:
     case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::NetworkSessionFailedError:
-    case QNetworkReply::BackgroundRequestNotAllowedError:
+    // How Qt 6 reports "network is unreachable" and "no route to host": a machine off the network.
+    case QNetworkReply::UnknownNetworkError:
     case QNetworkReply::ProxyConnectionRefusedError:
     case QNetworkReply::ProxyConnectionClosedError:
     case QNetworkReply::ProxyNotFoundError:

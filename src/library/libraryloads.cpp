@@ -1,5 +1,7 @@
 // The background loads. Each one: call the server; if cancelled meanwhile, drop everything and touch nothing
 // (the store may be gone); otherwise mark the server reachable and store the data, or store the error text.
+// A load lets go of its own task before it tells anyone of the result, so that a view answering the news
+// with the next request finds nothing under way.
 
 #include "librarystore.h"
 
@@ -11,6 +13,25 @@ QString LibraryStore::failLoad(std::exception_ptr error)
     return errorDescription(error);
 }
 
+template<typename T>
+QCoro::Task<std::optional<LibraryStore::Settled<T>>> LibraryStore::settle(QCoro::Task<T> request, CancelToken token)
+{
+    Settled<T> settled;
+    std::exception_ptr failure;
+    try {
+        settled.value = co_await std::move(request);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    if (token.isCancelled())
+        co_return std::nullopt;
+    if (failure)
+        settled.error = failLoad(failure);
+    else
+        setReachability(ServerReachability::ok());
+    co_return settled;
+}
+
 void LibraryStore::loadMoreAlbums(AlbumListType type)
 {
     AlbumListState state = albumList(type);
@@ -18,105 +39,87 @@ void LibraryStore::loadMoreAlbums(AlbumListType type)
         return;
     state.isLoading = true;
     state.errorMessage = std::nullopt;
-    setAlbumList(type, std::move(state));
+    // Registered before anyone hears of the load. The request cannot end before it has been sent, so the task
+    // is still there when the list is stored.
     m_albumTasks[type].start([this, type](CancelToken token) { return loadAlbumPage(type, token); });
+    setAlbumList(type, std::move(state));
 }
 
 QCoro::Task<> LibraryStore::loadAlbumPage(AlbumListType type, CancelToken token)
 {
+    const SubsonicClient client = m_client;
     const qsizetype held = albumList(type).albums.size();
-    QList<Album> page;
-    std::exception_ptr failure;
-    try {
-        page = co_await m_client.albums(type, albumPageSize, static_cast<int>(held), token);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    if (token.isCancelled())
+    const auto page = co_await settle(client.albums(type, albumPageSize, static_cast<int>(held), token), token);
+    if (!page)
         co_return;
 
     AlbumListState state = albumList(type);
     state.isLoading = false;
-    if (failure) {
-        state.errorMessage = failLoad(failure);
-    } else {
-        setReachability(ServerReachability::ok());
+    if (page->value) {
         // The known ids are taken once, so two equal ids inside one page both stay.
         QSet<QString> known;
         for (const Album &album : std::as_const(state.albums))
             known.insert(album.id);
-        for (const Album &album : std::as_const(page)) {
+        for (const Album &album : std::as_const(*page->value)) {
             if (!known.contains(album.id))
                 state.albums.append(album);
         }
-        state.reachedEnd = page.size() < albumPageSize;
+        state.reachedEnd = page->value->size() < albumPageSize;
+    } else {
+        state.errorMessage = page->error;
     }
+    m_albumTasks.erase(type);
     setAlbumList(type, std::move(state));
-    m_albumTasks.erase(type); // cancels nothing that still runs: this is the task's last act
 }
 
 void LibraryStore::ensureHomeRandomLoaded()
 {
-    if (m_homeRandomTask.isRunning())
+    if (m_homeRandomTask.isActive())
         return;
     if (m_homeRandomLoaded && !m_homeRandomError)
         return;
-    setHomeRandom(m_homeRandomAlbums, std::nullopt, m_homeRandomLoaded);
     m_homeRandomTask.start([this](CancelToken token) { return loadHomeRandom(token); });
+    setHomeRandom(m_homeRandomAlbums, std::nullopt, m_homeRandomLoaded);
     Q_EMIT homeRandomChanged(); // isLoading of the row changed
 }
 
 QCoro::Task<> LibraryStore::loadHomeRandom(CancelToken token)
 {
-    QList<Album> albums;
-    std::exception_ptr failure;
-    try {
-        albums = co_await m_client.albums(AlbumListType::Random, homeRandomCount, 0, token);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    if (token.isCancelled())
+    const SubsonicClient client = m_client;
+    const auto albums = co_await settle(client.albums(AlbumListType::Random, homeRandomCount, 0, token), token);
+    if (!albums)
         co_return;
-    m_homeRandomTask.cancel(); // the task is over: the row no longer reads as loading
-    if (failure) {
-        setHomeRandom(m_homeRandomAlbums, failLoad(failure), true);
-    } else {
-        setReachability(ServerReachability::ok());
-        setHomeRandom(std::move(albums), std::nullopt, true);
-    }
+    m_homeRandomTask.cancel(); // the row no longer reads as loading
+    if (albums->value)
+        setHomeRandom(std::move(*albums->value), std::nullopt, true);
+    else
+        setHomeRandom(m_homeRandomAlbums, albums->error, true);
     Q_EMIT homeRandomChanged();
 }
 
 void LibraryStore::ensureArtistsLoaded()
 {
-    if (m_artistsLoaded || m_artistsTask.isRunning())
+    if (m_artistsLoaded || m_artistsTask.isActive())
         return;
     m_artistsTask.start([this](CancelToken token) { return loadArtists(token); });
 }
 
 QCoro::Task<> LibraryStore::loadArtists(CancelToken token)
 {
-    std::optional<QList<ArtistIndex>> indexes;
-    std::exception_ptr failure;
-    try {
-        indexes = co_await m_client.artists(token);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    if (token.isCancelled())
+    const SubsonicClient client = m_client;
+    const auto indexes = co_await settle(client.artists(token), token);
+    if (!indexes)
         co_return;
-    if (failure) {
-        setArtistsError(failLoad(failure));
-    } else {
-        setReachability(ServerReachability::ok());
-        setArtists(indexes.value_or(QList<ArtistIndex>()));
-    }
+    if (indexes->value)
+        setArtists(indexes->value->value_or(QList<ArtistIndex>()));
+    else
+        setArtistsError(indexes->error);
     setArtistsLoaded(true);
 }
 
 void LibraryStore::ensureSongsLoaded()
 {
-    if (m_songsLoaded || m_songsTask.isRunning())
+    if (m_songsLoaded || m_songsTask.isActive())
         return;
     m_songsTask.start([this](CancelToken token) { return loadSongs(token); });
 }
@@ -125,91 +128,72 @@ void LibraryStore::ensureSongsLoaded()
 // rows at once, and a failure keeps what earlier pages brought.
 QCoro::Task<> LibraryStore::loadSongs(CancelToken token)
 {
+    const SubsonicClient client = m_client;
     qsizetype held = 0;
     while (held < songLimit) {
-        QList<Song> page;
-        std::exception_ptr failure;
-        try {
-            page = co_await m_client.songs(songPageSize, static_cast<int>(held), token);
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        if (token.isCancelled())
+        const auto page = co_await settle(client.songs(songPageSize, static_cast<int>(held), token), token);
+        if (!page)
             co_return;
-        if (failure) {
-            setSongsError(failLoad(failure));
+        if (!page->value) {
+                    setSongsError(page->error);
             setSongsLoaded(true);
             co_return;
         }
-        if (!page.isEmpty()) {
+        if (!page->value->isEmpty()) {
             const qsizetype first = m_songs.size();
-            m_songs.append(page);
-            Q_EMIT songsAppended(first, page.size());
+            m_songs.append(*page->value);
+            Q_EMIT songsAppended(first, page->value->size());
         }
-        held += page.size();
-        if (page.size() < songPageSize)
+        held += page->value->size();
+        if (page->value->size() < songPageSize)
             break;
     }
-    setReachability(ServerReachability::ok());
     setSongsLoaded(true);
 }
 
 void LibraryStore::ensureStarredLoaded()
 {
-    if (m_starredLoaded || m_starredTask.isRunning())
+    if (m_starredLoaded || m_starredTask.isActive())
         return;
     m_starredTask.start([this](CancelToken token) { return loadStarred(token); });
 }
 
 QCoro::Task<> LibraryStore::loadStarred(CancelToken token)
 {
-    SearchResult starred;
-    std::exception_ptr failure;
-    try {
-        starred = co_await m_client.starred(token);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    if (token.isCancelled())
+    const SubsonicClient client = m_client;
+    const auto starred = co_await settle(client.starred(token), token);
+    if (!starred)
         co_return;
-    if (failure) {
-        setStarredError(failLoad(failure));
-    } else {
-        setReachability(ServerReachability::ok());
-        setStarredSongs(starred.song.value_or(QList<Song>()));
-        setStarredAlbums(starred.album.value_or(QList<Album>()));
+    if (starred->value) {
+        setStarredSongs(starred->value->song.value_or(QList<Song>()));
+        setStarredAlbums(starred->value->album.value_or(QList<Album>()));
         QSet<QString> artistIds;
-        for (const Artist &artist : starred.artist.value_or(QList<Artist>()))
+        for (const Artist &artist : starred->value->artist.value_or(QList<Artist>()))
             artistIds.insert(artist.id);
         setStarredArtistIds(std::move(artistIds));
+    } else {
+        setStarredError(starred->error);
     }
     setStarredLoaded(true);
 }
 
 void LibraryStore::ensurePlaylistsLoaded()
 {
-    if (m_playlistsLoaded || m_playlistsTask.isRunning())
+    if (m_playlistsLoaded || m_playlistsTask.isActive())
         return;
     m_playlistsTask.start([this](CancelToken token) { return loadPlaylists(token); });
 }
 
 QCoro::Task<> LibraryStore::loadPlaylists(CancelToken token)
 {
-    std::optional<QList<Playlist>> playlists;
-    std::exception_ptr failure;
-    try {
-        playlists = co_await m_client.playlists(token);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    if (token.isCancelled())
+    const SubsonicClient client = m_client;
+    const auto playlists = co_await settle(client.playlists(token), token);
+    if (!playlists)
         co_return;
-    if (failure) {
-        setPlaylistsError(failLoad(failure));
-    } else {
-        setReachability(ServerReachability::ok());
-        setPlaylists(playlists.value_or(QList<Playlist>()));
-    }
+    if (playlists->value)
+        setPlaylists(playlists->value->value_or(QList<Playlist>()));
+    else
+        setPlaylistsError(playlists->error);
     setPlaylistsLoaded(true);
 }
 
@@ -217,8 +201,9 @@ QCoro::Task<> LibraryStore::loadPlaylists(CancelToken token)
 QCoro::Task<> LibraryStore::reloadPlaylists()
 {
     QPointer<LibraryStore> self(this);
+    const SubsonicClient client = m_client;
     try {
-        const auto playlists = co_await m_client.playlists();
+        const auto playlists = co_await client.playlists();
         if (self)
             self->setPlaylists(playlists.value_or(QList<Playlist>()));
     } catch (...) {

@@ -38,14 +38,18 @@ QCoro::Task<std::optional<QString>> LibraryStore::createPlaylist(QString name)
 {
     QPointer<LibraryStore> self(this);
     const SubsonicClient client = m_client;
-    QSet<QString> known;
-    for (const Playlist &playlist : std::as_const(m_playlists))
-        known.insert(playlist.id);
+    // The playlists there were before, for a server that does not say which one it made. Only a list that
+    // loaded can tell; otherwise it is asked for first.
+    std::optional<QList<Playlist>> before;
+    if (m_playlistsLoaded && !m_playlistsError)
+        before = m_playlists;
 
     std::optional<PlaylistDetail> created;
     std::optional<QList<Playlist>> listed;
     std::exception_ptr failure;
     try {
+        if (!before)
+            before = (co_await client.playlists()).value_or(QList<Playlist>());
         created = co_await client.createPlaylist(name);
         // Servers older than API 1.14.0 do not say what they made: find the new playlist of that name.
         if (!created)
@@ -64,6 +68,9 @@ QCoro::Task<std::optional<QString>> LibraryStore::createPlaylist(QString name)
         co_await reloadPlaylists();
         co_return created->id;
     }
+    QSet<QString> known;
+    for (const Playlist &playlist : std::as_const(*before))
+        known.insert(playlist.id);
     const QList<Playlist> playlists = listed.value_or(QList<Playlist>());
     setPlaylists(playlists);
     for (auto it = playlists.crbegin(); it != playlists.crend(); ++it) {

@@ -25,7 +25,7 @@ AlbumListState LibraryStore::homeRowState(AlbumListType type) const
     return AlbumListState{
         .albums = m_homeRandomAlbums,
         .reachedEnd = true,
-        .isLoading = m_homeRandomTask.isRunning(),
+        .isLoading = m_homeRandomTask.isActive(),
         .errorMessage = m_homeRandomError,
     };
 }
@@ -105,9 +105,10 @@ QCoro::Task<> LibraryStore::retryConnection()
         co_return;
     setIsRetrying(true);
     QPointer<LibraryStore> self(this);
+    const SubsonicClient client = m_client;
     std::exception_ptr failure;
     try {
-        co_await m_client.ping();
+        co_await client.ping();
     } catch (...) {
         failure = std::current_exception();
     }

@@ -53,11 +53,11 @@ public:
     void refresh();
     [[nodiscard]] bool hasCachedContent() const;
 
-    // Details, cached until refresh(); failures are thrown to the caller.
-    QCoro::Task<Album> albumDetail(QString id);
-    QCoro::Task<ArtistDetail> artistDetail(QString id);
-    QCoro::Task<PlaylistDetail> playlistDetail(QString id);
-    QCoro::Task<QList<Song>> artistDiscographySongs(QString id);
+    // Details, cached until refresh(); failures are thrown to the caller, a cancellation as TaskCancelled.
+    QCoro::Task<Album> albumDetail(QString id, CancelToken token = {});
+    QCoro::Task<ArtistDetail> artistDetail(QString id, CancelToken token = {});
+    QCoro::Task<PlaylistDetail> playlistDetail(QString id, CancelToken token = {});
+    QCoro::Task<QList<Song>> artistDiscographySongs(QString id, CancelToken token = {});
 
     // Likes: the cache changes at once and is put back if the server refuses.
     void toggleStar(const Song &song);
@@ -129,7 +129,18 @@ Q_SIGNALS:
     void isRetryingChanged();
 
 private:
+    // What one server call of a background load came to: the answer, or the text of its failure.
+    template<typename T>
+    struct Settled {
+        std::optional<T> value;
+        QString error;
+    };
+
     // Background loads (libraryloads.cpp)
+    // Awaits the call; nothing when the load was cancelled meanwhile, and then the store must not be touched.
+    // Otherwise a success marks the server reachable and a failure is judged for reachability.
+    template<typename T>
+    QCoro::Task<std::optional<Settled<T>>> settle(QCoro::Task<T> request, CancelToken token);
     QCoro::Task<> loadAlbumPage(AlbumListType type, CancelToken token);
     QCoro::Task<> loadHomeRandom(CancelToken token);
     QCoro::Task<> loadArtists(CancelToken token);

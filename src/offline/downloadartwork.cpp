@@ -7,7 +7,9 @@
 #include "common/atomicwrite.h"
 #include "filetransfer.h"
 
+#include <QCoroFuture>
 #include <QDir>
+#include <QtConcurrent>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -20,23 +22,25 @@ bool usesCover(const DownloadManifest &manifest, const QString &coverArt)
 }
 }
 
-// Fills in covers that were missed before, for every stored song.
-void DownloadStore::startArtworkSweep()
+// Takes the first load of the manifest when nobody has asked for it yet, then fills in the covers that were
+// missed before, for every stored song.
+QCoro::Task<> DownloadStore::finishLoading(std::weak_ptr<DownloadStore> store, QFuture<DownloadManifest> loading,
+                                          CancelToken token)
 {
-    QList<Song> songs;
-    songs.reserve(m_manifest.songs.size());
-    for (const DownloadedSong &stored : std::as_const(m_manifest.songs))
-        songs.append(stored.song);
-    m_artworkTask.start([store = weak_from_this(), songs](CancelToken token) {
-        return sweepArtwork(store, songs, token);
-    });
-}
-
-QCoro::Task<> DownloadStore::sweepArtwork(std::weak_ptr<DownloadStore> store, QList<Song> songs, CancelToken token)
-{
+    co_await loading;
     const std::shared_ptr<DownloadStore> self = store.lock();
-    if (self)
-        co_await self->downloadArtwork(std::move(songs), token);
+    if (!self || token.isCancelled())
+        co_return;
+    if (!self->m_loaded) {
+        self->takeLoadedManifest();
+        if (self->m_manifest != DownloadManifest{})
+            Q_EMIT self->manifestChanged();
+    }
+    QList<Song> songs;
+    songs.reserve(self->m_manifest.songs.size());
+    for (const DownloadedSong &stored : std::as_const(self->m_manifest.songs))
+        songs.append(stored.song);
+    co_await self->downloadArtwork(std::move(songs), token);
 }
 
 QCoro::Task<> DownloadStore::downloadArtwork(QList<Song> songs, CancelToken token)
@@ -56,10 +60,14 @@ QCoro::Task<> DownloadStore::downloadArtwork(QList<Song> songs, CancelToken toke
         const QUrl url = m_client.coverArtURL(*song.coverArt, coverPixelSize);
         const std::optional<QByteArray> bytes =
             co_await fetchToMemory(m_network, url, ArtworkFetcher::maxCoverBytes, token);
+        if (token.isCancelled() || !bytes)
+            continue;
+        // Since a file that exists is never fetched again, only a cover that decodes is kept.
+        const bool decodes = co_await QtConcurrent::run([bytes] { return ArtworkFetcher::decode(*bytes, 64).has_value(); });
         if (token.isCancelled())
             co_return;
         // The sweep is not stopped by a removal: a cover whose last song went meanwhile is not kept.
-        if (bytes && usesCover(m_manifest, *song.coverArt))
+        if (decodes && usesCover(manifest(), *song.coverArt))
             writeAtomically(path, *bytes);
     }
 }
@@ -67,7 +75,7 @@ QCoro::Task<> DownloadStore::downloadArtwork(QList<Song> songs, CancelToken toke
 void DownloadStore::pruneArtwork()
 {
     QSet<QString> kept;
-    for (const DownloadedSong &stored : std::as_const(m_manifest.songs)) {
+    for (const DownloadedSong &stored : std::as_const(manifest().songs)) {
         if (stored.song.coverArt)
             kept.insert(DownloadLayout::coverFileName(*stored.song.coverArt));
     }

@@ -1,5 +1,6 @@
 #include "downloadmanifest.h"
 
+#include "common/saturating.h"
 #include "server/json.h"
 
 #include <QJsonArray>
@@ -19,6 +20,9 @@ QSet<QString> decodeOwners(const QJsonValue &value)
             throw Json::DecodeError{};
         owners.insert(owner.toString());
     }
+    // A record nobody owns would never be released.
+    if (owners.isEmpty())
+        throw Json::DecodeError{};
     return owners;
 }
 
@@ -111,7 +115,7 @@ qint64 DownloadManifest::bytesOwnedBy(const QString &key) const
     qint64 sum = 0;
     for (const DownloadedSong &record : songs) {
         if (record.owners.contains(key))
-            sum += record.bytes;
+            sum = saturatingAdd(sum, record.bytes);
     }
     return sum;
 }
@@ -120,7 +124,7 @@ qint64 DownloadManifest::totalBytes() const
 {
     qint64 sum = 0;
     for (const DownloadedSong &record : songs)
-        sum += record.bytes;
+        sum = saturatingAdd(sum, record.bytes);
     return sum;
 }
 

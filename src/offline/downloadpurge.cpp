@@ -9,7 +9,7 @@
 
 void DownloadStore::purge(const QString &owner)
 {
-    DownloadManifest next = m_manifest;
+    DownloadManifest next = manifest();
     const QList<ReleasedSongFile> released = next.removeOwner(owner);
     setManifest(std::move(next));
     for (const ReleasedSongFile &file : released)
@@ -21,8 +21,8 @@ void DownloadStore::purge(const QString &owner)
 
 void DownloadStore::removeAll()
 {
-    // The runs are let go of before they are cancelled: a run may resume inside cancel(), and one that finds
-    // itself no longer registered leaves the store's records alone.
+    // The runs are let go of as they are cancelled: when one resumes and finds itself no longer registered, it
+    // leaves the store's records alone.
     const QHash<QString, RunningDownload> running = std::exchange(m_tasks, {});
     if (!running.isEmpty())
         Q_EMIT tasksChanged();
@@ -43,10 +43,10 @@ void DownloadStore::removeAll()
 }
 
 // Files of transfers that a crash or a kill interrupted.
-void DownloadStore::removePartialFiles()
+void DownloadStore::removePartialFiles(const QString &directory)
 {
     const QStringList pattern{partialFilePrefix + u'*'};
-    const QFileInfoList entries = QDir(m_directory).entryInfoList(pattern, QDir::Files | QDir::Hidden | QDir::System);
+    const QFileInfoList entries = QDir(directory).entryInfoList(pattern, QDir::Files | QDir::Hidden | QDir::System);
     for (const QFileInfo &entry : entries)
         QFile::remove(entry.filePath());
 }

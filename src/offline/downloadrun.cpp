@@ -32,9 +32,8 @@ void DownloadStore::downloadPlaylist(const QString &id, const QString &name)
 void DownloadStore::removeDownload(const QString &key)
 {
     if (const auto running = m_tasks.constFind(key); running != m_tasks.cend()) {
-        // Held here as well: the run may clean up and end inside cancel(), taking itself out of m_tasks.
-        const std::shared_ptr<TaskHandle> handle = running->handle;
-        handle->cancel();
+        // The run sees the cancellation when it resumes, and then removes what only it held.
+        running->handle->cancel();
         return;
     }
     purge(key);
@@ -42,6 +41,8 @@ void DownloadStore::removeDownload(const QString &key)
 
 void DownloadStore::startRun(const QString &owner, RunBody body)
 {
+    // The first load also clears the leftovers of killed transfers; it is done before this run's first one.
+    takeLoadedManifest();
     const auto handle = std::make_shared<TaskHandle>();
     const quint64 id = ++m_lastRunId;
     m_tasks.insert(owner, RunningDownload{handle, id});
@@ -132,8 +133,8 @@ QCoro::Task<> DownloadStore::downloadSongs(QList<Song> songs, DownloadCollection
             abandon(run);
             co_return;
         }
-        const auto held = m_manifest.songs.constFind(song.id);
-        const bool onDisk = held != m_manifest.songs.cend() && QFileInfo::exists(songPath(song.id, held->suffix));
+        const auto held = manifest().songs.constFind(song.id);
+        const bool onDisk = held != manifest().songs.cend() && QFileInfo::exists(songPath(song.id, held->suffix));
         std::optional<StoredFile> stored;
         if (!onDisk) {
             stored = co_await downloadFile(song, run.token);
@@ -153,16 +154,24 @@ QCoro::Task<> DownloadStore::downloadSongs(QList<Song> songs, DownloadCollection
             }
             if (run.token.isCancelled()) {
                 // A record means another collection holds the song: the file just written is its file now.
-                if (!m_manifest.songs.contains(song.id))
+                if (const auto record = manifest().songs.constFind(song.id); record != manifest().songs.cend()) {
+                    DownloadManifest next = manifest();
+                    keepStoredFile(next.songs[song.id], *stored);
+                    setManifest(std::move(next));
+                    save();
+                } else {
                     QFile::remove(songPath(song.id, stored->suffix));
+                }
                 abandon(run);
                 co_return;
             }
         }
 
-        DownloadManifest next = m_manifest;
+        DownloadManifest next = manifest();
         if (const auto record = next.songs.find(song.id); record != next.songs.end()) {
             record->owners.insert(owner);
+            if (stored)
+                keepStoredFile(*record, *stored);
         } else {
             const QSet<QString> owners{owner};
             next.songs.insert(song.id, DownloadedSong{song, stored->suffix, stored->bytes, owners});
@@ -176,7 +185,7 @@ QCoro::Task<> DownloadStore::downloadSongs(QList<Song> songs, DownloadCollection
         save();
     }
 
-    DownloadManifest next = m_manifest;
+    DownloadManifest next = manifest();
     next.collections.insert(owner, collection);
     setManifest(std::move(next));
     save();
@@ -185,13 +194,54 @@ QCoro::Task<> DownloadStore::downloadSongs(QList<Song> songs, DownloadCollection
     co_await downloadArtwork(songs, run.token);
 }
 
+namespace {
+// A song whose record states its size may come within a quarter of it either way; the ceiling of its transfer
+// is just past that. Without a size, nothing longer than hours of lossless audio is taken for a song, so an
+// answer that never ends cannot fill the disk.
+constexpr qint64 unknownSizeCeiling = 2LL * 1024 * 1024 * 1024;
+
+qint64 sizeSlack(qint64 size)
+{
+    return size / 4 + 64 * 1024;
+}
+
+qint64 ceilingFor(const Song &song)
+{
+    if (!song.size || *song.size <= 0 || *song.size > unknownSizeCeiling)
+        return unknownSizeCeiling;
+    return *song.size + sizeSlack(*song.size);
+}
+
+bool fitsStatedSize(const Song &song, qint64 received)
+{
+    if (!song.size || *song.size <= 0 || *song.size > unknownSizeCeiling)
+        return true;
+    return std::abs(received - *song.size) <= sizeSlack(*song.size);
+}
+}
+
+// The record names the file just written, wherever an older one of the song had gone.
+void DownloadStore::keepStoredFile(DownloadedSong &record, const StoredFile &stored)
+{
+    if (record.suffix != stored.suffix)
+        QFile::remove(songPath(record.song.id, record.suffix));
+    record.suffix = stored.suffix;
+    record.bytes = stored.bytes;
+}
+
 QCoro::Task<std::optional<DownloadStore::StoredFile>> DownloadStore::downloadFile(Song song, CancelToken token)
 {
     QDir().mkpath(m_directory);
+    const SubsonicClient client = m_client;
     const std::optional<QString> received =
-        co_await fetchToFile(m_network, m_client.downloadURL(song.id), m_directory, token);
+        co_await fetchToFile(m_network, client.downloadURL(song.id), m_directory, ceilingFor(song), token);
     if (!received)
         co_return std::nullopt;
+    const qint64 bytes = QFileInfo(*received).size();
+    if (!fitsStatedSize(song, bytes)) {
+        QFile::remove(*received);
+        co_return std::nullopt;
+    }
     const QString suffix = DownloadLayout::storedSuffix(song.suffix);
     const QString destination = songPath(song.id, suffix);
     QFile::remove(destination);
@@ -199,5 +249,5 @@ QCoro::Task<std::optional<DownloadStore::StoredFile>> DownloadStore::downloadFil
         QFile::remove(*received);
         co_return std::nullopt;
     }
-    co_return StoredFile{suffix, QFileInfo(destination).size()};
+    co_return StoredFile{suffix, bytes};
 }

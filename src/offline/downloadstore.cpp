@@ -4,6 +4,7 @@
 
 #include "artwork/artworkfetcher.h"
 #include "common/observable.h"
+#include "common/saturating.h"
 #include "manifestfile.h"
 
 #include <QDir>
@@ -17,33 +18,81 @@
 namespace {
 // A transfer that receives nothing for this long fails, like an API request: a connection that died without a
 // word cannot hold a download for ever.
-constexpr int transferTimeoutMs = 60'000;
+constexpr int defaultTransferTimeoutMs = 60'000;
+
+// Never destroyed, so that no write is cut off by the order of destruction at exit; flushWrites() waits for it.
+// The manifest's loads run here too, so that a load and the writes of one folder never overlap.
+QThreadPool *manifestWriter()
+{
+    static QThreadPool *const pool = [] {
+        auto *created = new QThreadPool;
+        created->setMaxThreadCount(1);
+        return created;
+    }();
+    return pool;
+}
 }
 
 std::shared_ptr<DownloadStore> DownloadStore::create(SubsonicClient client, const DownloadLayout &layout)
 {
+    // One living store per folder: a second one would delete the first one's partial files and overwrite its
+    // manifest. Signing in again while a download of the same account still runs takes that store up again.
+    static QHash<QString, std::weak_ptr<DownloadStore>> living;
+    const QString directory = layout.directory(client.config());
+    if (const std::shared_ptr<DownloadStore> running = living.value(directory).lock()) {
+        running->m_client = std::move(client);
+        ArtworkFetcher::shared().setOfflineDirectory(running->artworkDirectory());
+        return running;
+    }
     // Deleted later rather than at once: the last holder may be a run that is still unwinding inside a signal.
-    std::shared_ptr<DownloadStore> store(new DownloadStore(std::move(client), layout),
+    std::shared_ptr<DownloadStore> store(new DownloadStore(std::move(client), directory),
                                          [](DownloadStore *dropped) { dropped->deleteLater(); });
+    living.insert(directory, store);
     QJSEngine::setObjectOwnership(store.get(), QJSEngine::CppOwnership);
-    // After construction, so that the sweep sees the loaded manifest and can hold the store.
-    store->startArtworkSweep();
+    store->startLoading();
     return store;
 }
 
-DownloadStore::DownloadStore(SubsonicClient client, const DownloadLayout &layout)
+DownloadStore::DownloadStore(SubsonicClient client, QString directory)
     : m_client(std::move(client))
-    , m_directory(layout.directory(m_client.config()))
+    , m_directory(std::move(directory))
     , m_network(new QNetworkAccessManager(this))
 {
     // Songs and covers are kept by this store itself; no HTTP cache keeps a second copy of them.
     m_network->setCache(nullptr);
-    m_network->setTransferTimeout(transferTimeoutMs);
-    QDir().mkpath(artworkDirectory());
+    // The client's limit, so that a test's impatient server makes impatient downloads too.
+    const int timeout = m_client.network()->transferTimeout();
+    m_network->setTransferTimeout(timeout > 0 ? timeout : defaultTransferTimeoutMs);
     ArtworkFetcher::shared().setOfflineDirectory(artworkDirectory());
-    QDir().mkpath(m_directory);
-    m_manifest = loadManifest(m_directory);
-    removePartialFiles();
+}
+
+// Reading and decoding a manifest of many thousand songs takes tens of milliseconds, which the first frame
+// need not wait for: it runs on the manifest's worker, and whoever asks before it is done waits for it there.
+// The sweep for missed covers follows it.
+void DownloadStore::startLoading()
+{
+    m_loading = QtConcurrent::run(manifestWriter(), [directory = m_directory, artwork = artworkDirectory()] {
+        QDir().mkpath(artwork);
+        removePartialFiles(directory);
+        return loadManifest(directory);
+    });
+    m_artworkTask.start([store = weak_from_this(), loading = m_loading](CancelToken token) {
+        return finishLoading(store, loading, token);
+    });
+}
+
+const DownloadManifest &DownloadStore::manifest() const
+{
+    takeLoadedManifest();
+    return m_manifest;
+}
+
+void DownloadStore::takeLoadedManifest() const
+{
+    if (m_loaded)
+        return;
+    m_manifest = m_loading.result();
+    m_loaded = true;
 }
 
 DownloadStore::~DownloadStore()
@@ -74,17 +123,17 @@ std::optional<DownloadProgress> DownloadStore::playlistProgress(const QString &p
 
 CollectionDownloadState DownloadStore::state(const QString &key, const QStringList &songIds) const
 {
-    return m_manifest.state(key, songIds);
+    return manifest().state(key, songIds);
 }
 
 QList<DownloadCollection> DownloadStore::downloadedCollections() const
 {
     QHash<QString, qint64> bytes;
-    for (const DownloadedSong &stored : m_manifest.songs) {
+    for (const DownloadedSong &stored : manifest().songs) {
         for (const QString &owner : stored.owners)
-            bytes[owner] += stored.bytes;
+            bytes[owner] = saturatingAdd(bytes.value(owner), stored.bytes);
     }
-    QList<DownloadCollection> collections = m_manifest.collections.values();
+    QList<DownloadCollection> collections = manifest().collections.values();
     // Name and key break ties only so that the order does not change from one call to the next.
     const auto largerFirst = [&bytes](const DownloadCollection &a, const DownloadCollection &b) {
         const qint64 bytesA = bytes.value(a.key);
@@ -110,7 +159,7 @@ qint64 totalDuration(const QList<Song> &songs)
 {
     qint64 seconds = 0;
     for (const Song &song : songs)
-        seconds += song.durationSeconds();
+        seconds = saturatingAdd(seconds, song.durationSeconds());
     return seconds;
 }
 }
@@ -118,13 +167,13 @@ qint64 totalDuration(const QList<Song> &songs)
 std::optional<Album> DownloadStore::localAlbum(const QString &id) const
 {
     const QString key = albumCollectionKey(id);
-    const QList<Song> songs = m_manifest.songsOwnedBy(key);
+    const QList<Song> songs = manifest().songsOwnedBy(key);
     if (songs.isEmpty())
         return std::nullopt;
     const Song &first = songs.first();
     Album album;
     album.id = id;
-    album.name = first.album.value_or(m_manifest.collections.value(key).name);
+    album.name = first.album.value_or(manifest().collections.value(key).name);
     album.artist = first.artist;
     album.artistId = first.artistId;
     album.coverArt = first.coverArt;
@@ -138,12 +187,12 @@ std::optional<Album> DownloadStore::localAlbum(const QString &id) const
 std::optional<PlaylistDetail> DownloadStore::localPlaylist(const QString &id) const
 {
     const QString key = playlistCollectionKey(id);
-    const QList<Song> songs = m_manifest.songsOwnedBy(key);
+    const QList<Song> songs = manifest().songsOwnedBy(key);
     if (songs.isEmpty())
         return std::nullopt;
     PlaylistDetail playlist;
     playlist.id = id;
-    playlist.name = m_manifest.collections.value(key).name;
+    playlist.name = manifest().collections.value(key).name;
     playlist.songCount = songs.size();
     playlist.duration = totalDuration(songs);
     playlist.coverArt = songs.first().coverArt;
@@ -166,29 +215,16 @@ QString DownloadStore::artworkDirectory() const
     return DownloadLayout::artworkDirectory(m_directory);
 }
 
-// Best effort: a failed write leaves the old file whole, and the next change writes again.
-namespace {
-// Never destroyed, so that no write is cut off by the order of destruction at exit; flushWrites() waits for it.
-QThreadPool *manifestWriter()
-{
-    static QThreadPool *const pool = [] {
-        auto *created = new QThreadPool;
-        created->setMaxThreadCount(1);
-        return created;
-    }();
-    return pool;
-}
-}
-
 void DownloadStore::flushWrites()
 {
     manifestWriter()->waitForDone();
 }
 
+// Best effort: a failed write leaves the old file whole, and the next change writes again.
 void DownloadStore::save()
 {
-    m_lastSave = QtConcurrent::run(manifestWriter(), [manifest = m_manifest, directory = m_directory] {
-        saveManifest(manifest, directory);
+    m_lastSave = QtConcurrent::run(manifestWriter(), [snapshot = manifest(), directory = m_directory] {
+        saveManifest(snapshot, directory);
     });
 }
 
@@ -200,6 +236,7 @@ void DownloadStore::saveNow()
 
 void DownloadStore::setManifest(DownloadManifest manifest)
 {
+    takeLoadedManifest();
     assignField(this, m_manifest, std::move(manifest), &DownloadStore::manifestChanged);
 }
 

@@ -42,15 +42,17 @@ public:
     // Covers are kept at this one size; the artwork cache scales them down when it reads them.
     static constexpr int coverPixelSize = 1024;
 
-    // Loads the account's manifest, points the artwork cache at its cover folder, and starts the sweep that
-    // fetches covers missed before. The store is deleted with deleteLater once the last holder lets go.
+    // The store of the account's folder: the one still living there, now with this client, or a new one that
+    // loads the manifest in the background and then sweeps for covers missed before. Either way the artwork
+    // cache is pointed at its cover folder. The store is deleted with deleteLater once the last holder lets go.
     [[nodiscard]] static std::shared_ptr<DownloadStore>
     create(SubsonicClient client, const DownloadLayout &layout = DownloadLayout::standard());
     ~DownloadStore() override;
 
     [[nodiscard]] const SubsonicClient &client() const { return m_client; }
     [[nodiscard]] const QString &directory() const { return m_directory; }
-    [[nodiscard]] const DownloadManifest &manifest() const { return m_manifest; }
+    // Waits for the manifest's first load if it is still running.
+    [[nodiscard]] const DownloadManifest &manifest() const;
     // Running and failed downloads by collection key.
     [[nodiscard]] const QHash<QString, DownloadProgress> &active() const { return m_active; }
     // Whether a download of the collection is under way, its covers included.
@@ -73,9 +75,9 @@ public:
     [[nodiscard]] std::optional<DownloadProgress> playlistProgress(const QString &playlistId) const;
     // `songIds` is the collection as the server shows it now.
     [[nodiscard]] Q_INVOKABLE CollectionDownloadState state(const QString &key, const QStringList &songIds) const;
-    [[nodiscard]] Q_INVOKABLE bool isDownloaded(const QString &key) const { return m_manifest.isDownloaded(key); }
-    [[nodiscard]] Q_INVOKABLE qint64 bytesOwnedBy(const QString &key) const { return m_manifest.bytesOwnedBy(key); }
-    [[nodiscard]] qint64 totalBytes() const { return m_manifest.totalBytes(); }
+    [[nodiscard]] Q_INVOKABLE bool isDownloaded(const QString &key) const { return manifest().isDownloaded(key); }
+    [[nodiscard]] Q_INVOKABLE qint64 bytesOwnedBy(const QString &key) const { return manifest().bytesOwnedBy(key); }
+    [[nodiscard]] qint64 totalBytes() const { return manifest().totalBytes(); }
     // Largest first.
     [[nodiscard]] QList<DownloadCollection> downloadedCollections() const;
     [[nodiscard]] QVariantMap progressByKey() const;
@@ -107,7 +109,9 @@ private:
         qint64 bytes = 0;
     };
 
-    DownloadStore(SubsonicClient client, const DownloadLayout &layout);
+    DownloadStore(SubsonicClient client, QString directory);
+    void startLoading();
+    void takeLoadedManifest() const;
 
     // Runs (downloadrun.cpp)
     using RunBody = std::function<QCoro::Task<>(DownloadStore *, Run)>;
@@ -117,6 +121,7 @@ private:
     QCoro::Task<> runPlaylistDownload(QString id, QString name, Run run);
     QCoro::Task<> downloadSongs(QList<Song> songs, DownloadCollection collection, Run run);
     QCoro::Task<std::optional<StoredFile>> downloadFile(Song song, CancelToken token);
+    void keepStoredFile(DownloadedSong &record, const StoredFile &stored);
     // Whether the run is still the one registered for its collection: removeAll lets go of runs before they end.
     [[nodiscard]] bool isCurrent(const Run &run) const;
     void endRun(const Run &run);
@@ -124,11 +129,11 @@ private:
 
     // Covers and clean-up (downloadartwork.cpp, downloadpurge.cpp)
     QCoro::Task<> downloadArtwork(QList<Song> songs, CancelToken token);
-    void startArtworkSweep();
-    static QCoro::Task<> sweepArtwork(std::weak_ptr<DownloadStore> store, QList<Song> songs, CancelToken token);
+    static QCoro::Task<> finishLoading(std::weak_ptr<DownloadStore> store, QFuture<DownloadManifest> loading,
+                                       CancelToken token);
     void purge(const QString &owner);
     void pruneArtwork();
-    void removePartialFiles();
+    static void removePartialFiles(const QString &directory);
     static void removeEntry(const QFileInfo &entry);
     [[nodiscard]] QString songPath(const QString &id, const QString &suffix) const;
     [[nodiscard]] QString artworkDirectory() const;
@@ -143,10 +148,13 @@ private:
     void setActive(QHash<QString, DownloadProgress> active);
     void setProgress(const QString &owner, std::optional<DownloadProgress> progress);
 
-    const SubsonicClient m_client;
+    SubsonicClient m_client;
     const QString m_directory;
     QNetworkAccessManager *m_network;
-    DownloadManifest m_manifest;
+    // Empty until the first load is taken; read through manifest().
+    mutable DownloadManifest m_manifest;
+    mutable bool m_loaded = false;
+    QFuture<DownloadManifest> m_loading;
     QHash<QString, DownloadProgress> m_active;
     quint64 m_lastRunId = 0;
     QFuture<void> m_lastSave;

@@ -1,5 +1,7 @@
 #include "filetransfer.h"
 
+#include "server/transferguard.h"
+
 #include <QCoroFuture>
 #include <QCoroNetworkReply>
 #include <QNetworkAccessManager>
@@ -7,8 +9,9 @@
 #include <QRandomGenerator>
 #include <QtConcurrent>
 
-#include <unistd.h>
+#include <algorithm>
 
+#include <unistd.h>
 
 namespace {
 // How far the network may run ahead of the disk. Chunks are written as they come, so this is only reached when
@@ -21,7 +24,8 @@ struct Receiver {
     QFile file;
     bool created = false;
     bool handedOver = false;
-    bool judged = false;
+    bool headersJudged = false;
+    bool bodyJudged = false;
     bool refused = false;
     bool writeFailed = false;
 
@@ -41,22 +45,37 @@ QString partialFilePath(const QString &directory)
 bool carriesFile(const QNetworkReply &reply)
 {
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    if (!status.isValid() || status.toInt() < 200 || status.toInt() > 299)
+    const int code = status.isValid() ? status.toInt() : 0;
+    if (code < 200 || code > 299 || code == 204 || code == 206)
         return false;
     return !isServerMessageType(reply.rawHeader("Content-Type"));
 }
 
-// Writes what has arrived. The answer is judged once, on its headers, before a byte of it reaches the disk. A
-// refused answer is read and dropped to its end, so that it neither fills the reply's buffer nor stalls it.
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// Writes what has arrived. The answer is judged on its headers before a byte of it reaches the disk, and on its
+// first bytes before they do. A refused answer is read and dropped to its end, so that it neither fills the
+// reply's buffer nor stalls it.
 void receive(QNetworkReply &reply, Receiver &receiver)
 {
-    if (!receiver.judged) {
-        receiver.judged = true;
+    if (!receiver.headersJudged) {
+        receiver.headersJudged = true;
         receiver.refused = !carriesFile(reply);
     }
     const QByteArray chunk = reply.readAll();
     if (receiver.refused || receiver.writeFailed)
         return;
+    if (!receiver.bodyJudged && !chunk.isEmpty()) {
+        receiver.refused = startsLikeServerMessage(chunk);
+        receiver.bodyJudged = receiver.refused || std::any_of(chunk.cbegin(), chunk.cend(), [](char c) {
+            return !isBlank(c);
+        });
+        if (receiver.refused)
+            return;
+    }
     if (receiver.file.write(chunk) != chunk.size()) {
         receiver.writeFailed = true;
         if (reply.isRunning())
@@ -74,8 +93,19 @@ bool isServerMessageType(QByteArrayView contentType)
         || type.endsWith("+json") || type.endsWith("+xml");
 }
 
+bool startsLikeServerMessage(QByteArrayView body)
+{
+    if (body.startsWith("\xEF\xBB\xBF"))
+        body = body.sliced(3);
+    for (const char c : body) {
+        if (!isBlank(c))
+            return c == '{' || c == '<';
+    }
+    return false;
+}
+
 QCoro::Task<std::optional<QString>> fetchToFile(QNetworkAccessManager *network, QUrl url, QString directory,
-                                                CancelToken token)
+                                                qint64 maxBytes, CancelToken token)
 {
     if (token.isCancelled())
         co_return std::nullopt;
@@ -89,14 +119,15 @@ QCoro::Task<std::optional<QString>> fetchToFile(QNetworkAccessManager *network, 
     QNetworkReply *reply = network->get(QNetworkRequest(url));
     reply->setReadBufferSize(readBufferBytes);
     token.track(reply);
+    const auto verdict = guardTransfer(reply, maxBytes);
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply, receiver] { receive(*reply, *receiver); });
     co_await qCoro(reply).waitForFinished();
     token.untrack(reply);
     reply->deleteLater();
-    if (token.isCancelled() || reply->error() != QNetworkReply::NoError)
+    if (token.isCancelled() || verdict->stopped() || reply->error() != QNetworkReply::NoError)
         co_return std::nullopt;
     receive(*reply, *receiver); // the rest, and the verdict on an empty body
-    if (receiver->refused || receiver->writeFailed)
+    if (receiver->refused || receiver->writeFailed || !receiver->bodyJudged)
         co_return std::nullopt;
 
     // The manifest will say this file is whole, so its bytes reach the disk first; a full disk may only show
@@ -118,14 +149,14 @@ QCoro::Task<std::optional<QByteArray>> fetchToMemory(QNetworkAccessManager *netw
         co_return std::nullopt;
     QNetworkReply *reply = network->get(QNetworkRequest(url));
     token.track(reply);
-    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply, limit](qint64 received, qint64 total) {
-        if (received > limit || total > limit)
-            reply->abort();
-    });
+    const auto verdict = guardTransfer(reply, limit);
     co_await qCoro(reply).waitForFinished();
     token.untrack(reply);
     reply->deleteLater();
-    if (token.isCancelled() || reply->error() != QNetworkReply::NoError || !carriesFile(*reply))
+    if (token.isCancelled() || verdict->stopped() || reply->error() != QNetworkReply::NoError || !carriesFile(*reply))
         co_return std::nullopt;
-    co_return reply->readAll();
+    QByteArray body = reply->readAll();
+    if (body.isEmpty() || startsLikeServerMessage(body))
+        co_return std::nullopt;
+    co_return body;
 }

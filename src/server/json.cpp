@@ -1,5 +1,7 @@
 #include "json.h"
 
+#include <QVariant>
+
 #include <cmath>
 
 namespace Json {
@@ -18,18 +20,21 @@ QString toString(const QJsonValue &value)
 }
 
 // JSON has one number type; an integer field takes only numbers with no fractional part, as the server's
-// Int fields do. 212.5 fails; so does anything beyond 64 bits.
+// Int fields do. 212.5 fails; so does anything beyond 64 bits. The parser keeps integers that fit in 64 bits
+// as integers and everything else as a double, and a double at or past ±2^63 may stand for a number just
+// outside the range, so only doubles strictly inside it are taken.
 qint64 toInt(const QJsonValue &value)
 {
     if (!value.isDouble())
         throw DecodeError{};
+    const QVariant number = value.toVariant();
+    if (number.typeId() == QMetaType::LongLong)
+        return number.toLongLong();
+    constexpr double limit = 9223372036854775808.0; // 2^63
     const double asDouble = value.toDouble();
-    if (!std::isfinite(asDouble) || std::trunc(asDouble) != asDouble)
+    if (!std::isfinite(asDouble) || std::trunc(asDouble) != asDouble || std::abs(asDouble) >= limit)
         throw DecodeError{};
-    const qint64 asInt = value.toInteger();
-    if (static_cast<double>(asInt) != asDouble)
-        throw DecodeError{};
-    return asInt;
+    return static_cast<qint64>(asDouble);
 }
 }
 

@@ -23,6 +23,7 @@ Song Song::fromJson(const QJsonObject &o)
         .contentType = optionalString(o, "contentType"_L1),
         .suffix = optionalString(o, "suffix"_L1),
         .coverArt = optionalString(o, "coverArt"_L1),
+        .size = optionalInt(o, "size"_L1),
     };
 }
 
@@ -40,6 +41,7 @@ QJsonObject Song::toJson() const
     putOptional(o, "contentType"_L1, contentType);
     putOptional(o, "suffix"_L1, suffix);
     putOptional(o, "coverArt"_L1, coverArt);
+    putOptional(o, "size"_L1, size);
     return o;
 }
 
@@ -255,7 +257,7 @@ private:
 size_t qHash(const Song &s, size_t seed)
 {
     return Hasher(seed)(s.id, s.title, s.album, s.albumId, s.artist, s.artistId, s.track, s.discNumber, s.year,
-                        s.duration, s.contentType, s.suffix, s.coverArt);
+                        s.duration, s.contentType, s.suffix, s.coverArt, s.size);
 }
 
 size_t qHash(const Album &a, size_t seed)

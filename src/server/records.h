@@ -24,6 +24,7 @@ struct Song {
     std::optional<QString> contentType;
     std::optional<QString> suffix;
     std::optional<QString> coverArt;
+    std::optional<qint64> size; // of the original file, in bytes
 
     [[nodiscard]] QString artistName() const { return artist.value_or(QString()); }
     [[nodiscard]] QString albumName() const { return album.value_or(QString()); }

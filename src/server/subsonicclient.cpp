@@ -1,6 +1,7 @@
 #include "subsonicclient.h"
 
 #include "networkaccess.h"
+#include "transferguard.h"
 #include "transporterror.h"
 
 #include <QCoroNetworkReply>
@@ -96,7 +97,8 @@ ResponseEnvelope SubsonicClient::decodeEnvelope(const QByteArray &body)
             errorCode = Json::requiredInt(detail, "code"_L1);
             errorMessage = Json::optionalString(detail, "message"_L1);
         }
-        envelope.apiVersion = Json::optionalString(envelope.body, "version"_L1).value_or(QString());
+        // Only read to tell old servers apart; an odd value is no reason to refuse the answer.
+        envelope.apiVersion = envelope.body.value("version"_L1).toString();
     } catch (const Json::DecodeError &) {
         throw SubsonicError::invalidResponse();
     }
@@ -126,13 +128,7 @@ QCoro::Task<QByteArray> SubsonicClient::fetch(QUrl url, CancelToken token) const
         throw TaskCancelled{};
     QNetworkReply *reply = m_network->get(QNetworkRequest(url));
     token.track(reply);
-    auto tooLarge = std::make_shared<bool>(false);
-    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply, tooLarge](qint64 received, qint64 total) {
-        if (received > maxAnswerBytes || total > maxAnswerBytes) {
-            *tooLarge = true;
-            reply->abort();
-        }
-    });
+    const auto verdict = guardTransfer(reply, maxAnswerBytes);
 
     co_await qCoro(reply).waitForFinished();
     token.untrack(reply);
@@ -140,12 +136,13 @@ QCoro::Task<QByteArray> SubsonicClient::fetch(QUrl url, CancelToken token) const
 
     if (token.isCancelled())
         throw TaskCancelled{};
-    if (*tooLarge)
+    if (verdict->tooLarge)
         throw SubsonicError::invalidResponse();
 
     const QNetworkReply::NetworkError error = reply->error();
     if (isTransportFailure(error)) {
-        // Qt reports its own transfer time-out as a cancellation; ours was ruled out above.
+        // Qt reports its own transfer time-out, and our stop of a trickling answer, as a cancellation; ours
+        // was ruled out above.
         const auto code = error == QNetworkReply::OperationCanceledError ? QNetworkReply::TimeoutError : error;
         throw TransportError(code);
     }

@@ -13,9 +13,9 @@ QString TransportError::description() const
     case QNetworkReply::OperationCanceledError:
         return QStringLiteral("The request timed out.");
     case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::NetworkSessionFailedError:
-    case QNetworkReply::BackgroundRequestNotAllowedError:
         return QStringLiteral("The Internet connection appears to be offline.");
+    case QNetworkReply::UnknownNetworkError:
+        return QStringLiteral("The server's network cannot be reached.");
     case QNetworkReply::SslHandshakeFailedError:
         return QStringLiteral("An SSL error has occurred and a secure connection to the server cannot be made.");
     case QNetworkReply::TooManyRedirectsError:

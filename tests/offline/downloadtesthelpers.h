@@ -9,7 +9,10 @@
 #include "offline/manifestfile.h"
 #include "offline/offlinefilename.h"
 
+#include <QBuffer>
+#include <QColor>
 #include <QDir>
+#include <QImage>
 #include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
@@ -102,7 +105,7 @@ struct DownloadRig {
             return scripted.value(id, audioAnswer(audioOf(id)));
         });
         server.on(QStringLiteral("getCoverArt"), [](const RecordedRequest &request) {
-            return FakeResponse{.contentType = "image/jpeg", .body = coverOf(request.value(QStringLiteral("id")))};
+            return FakeResponse{.contentType = "image/png", .body = coverOf(request.value(QStringLiteral("id")))};
         });
     }
 
@@ -112,7 +115,17 @@ struct DownloadRig {
     }
     [[nodiscard]] QString directory() const { return DownloadLayout(root.path()).directory(client.config()); }
 
-    static QByteArray coverOf(const QString &id) { return "cover of " + id.toUtf8(); }
+    // A small PNG of a colour of its own for each id.
+    static QByteArray coverOf(const QString &id)
+    {
+        QImage image(2, 2, QImage::Format_RGB32);
+        image.fill(QColor::fromRgb(QRgb(qHash(id)) | 0xFF000000));
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "PNG");
+        return bytes;
+    }
 
     void serveAlbum(const QString &id, const QList<Song> &songs)
     {

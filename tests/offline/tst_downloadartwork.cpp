@@ -58,7 +58,6 @@ private Q_SLOTS:
     void eachCoverIsFetchedOnceAtTheLargeSize()
     {
         QCOMPARE(ArtworkFetcher::shared().offlineDirectory(), std::optional<QString>(coverFolder()));
-        QVERIFY(QFileInfo(coverFolder()).isDir());
         rig->serveAlbum(u"A"_s, coveredSongs());
         rig->servePlaylist(u"P"_s, coveredSongs().mid(2));
         store->downloadAlbum(testAlbum(u"A"_s));
@@ -82,7 +81,6 @@ private Q_SLOTS:
 
         rig->server.on(u"getCoverArt"_s, coverAnswer);
         restart();
-        QVERIFY(store->isSweepingArtwork());
         QTRY_VERIFY(!store->isSweepingArtwork());
         QCOMPARE(sorted(coversAsked()), (QStringList{u"back@1024"_s, u"front@1024"_s}));
         QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"back"_s}));
