@@ -87,6 +87,8 @@ double playToAudioMs(const QString &outputPath, const SubsonicClient &client, Pl
 {
     MpvAudioEngine engine(MpvAudioEngine::Options{.audioOutput = u"pcm"_s, .audioOutputFile = outputPath});
     engine.start();
+    while (!engine.isStarted())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     PlayerController controller(&engine);
     controller.setLocalFileLookup(std::move(lookup));
     QElapsedTimer timer;

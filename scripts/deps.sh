@@ -13,6 +13,7 @@ packages=(
   xvfb xauth libgl1-mesa-dri fonts-material-design-icons-iconfont fonts-inter
   gnome-keyring dbus dbus-x11 playerctl ffmpeg curl desktop-file-utils appstream
   supysonic python3-waitress
+  at-spi2-core python3-pyatspi pulseaudio pulseaudio-utils
 )
 
 missing=()

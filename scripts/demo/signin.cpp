@@ -23,8 +23,7 @@ QCoro::Task<int> signIn(AppState &appState, QString url, QString user, QString p
         std::fprintf(stderr, "velto-demo-signin: the server refused the demo account\n");
         co_return 1;
     }
-    // Keychain jobs run one after another, so this read also waits for the write before it.
-    if (Keychain::password(serverKey(appState.client()->config())) != password) {
+    if (co_await Keychain::password(serverKey(appState.client()->config())) != password) {
         std::fprintf(stderr, "velto-demo-signin: no Secret Service took the password\n");
         co_return 2;
     }

@@ -15,6 +15,11 @@
 #include <algorithm>
 
 namespace {
+bool decodesAsImage(const QByteArray &bytes)
+{
+    return ArtworkFetcher::decode(bytes, 64).has_value();
+}
+
 bool usesCover(const DownloadManifest &manifest, const QString &coverArt)
 {
     return std::any_of(manifest.songs.cbegin(), manifest.songs.cend(),
@@ -62,8 +67,10 @@ QCoro::Task<> DownloadStore::downloadArtwork(QList<Song> songs, CancelToken toke
             co_await fetchToMemory(m_network, url, ArtworkFetcher::maxCoverBytes, token);
         if (token.isCancelled() || !bytes)
             continue;
-        // Since a file that exists is never fetched again, only a cover that decodes is kept.
-        const bool decodes = co_await QtConcurrent::run([bytes] { return ArtworkFetcher::decode(*bytes, 64).has_value(); });
+        // Since a file that exists is never fetched again, only a cover that decodes is kept. (A named future:
+        // GCC 12 destroys the temporaries of a co_await expression twice.)
+        QFuture<bool> decoding = QtConcurrent::run(&decodesAsImage, *bytes);
+        const bool decodes = co_await decoding;
         if (token.isCancelled())
             co_return;
         // The sweep is not stopped by a removal: a cover whose last song went meanwhile is not kept.

@@ -82,5 +82,7 @@ Q_SIGNALS:
     void itemEnded(EngineItemId item);
     // The position of the current item, about every half second while it plays.
     void positionTicked(double seconds);
+    // currentDuration() changed: the current item's length became known, or the item changed.
+    void durationChanged();
     void outputDevicesChanged();
 };

@@ -25,7 +25,8 @@ public:
 
     [[nodiscard]] bool no() const { return false; }
     [[nodiscard]] QString identity() const { return QStringLiteral("Velto"); }
-    [[nodiscard]] QString desktopEntry() const { return QStringLiteral("velto"); }
+    // The launcher's id, by which desktops find the name and icon.
+    [[nodiscard]] QString desktopEntry() const { return QStringLiteral("co.marrowlight.velto"); }
     [[nodiscard]] QStringList none() const { return {}; }
 
 public Q_SLOTS:

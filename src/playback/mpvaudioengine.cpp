@@ -5,13 +5,14 @@
 
 #include <mpv/client.h>
 
+#include <QFutureWatcher>
 #include <QMetaObject>
 
 #include <algorithm>
-#include <utility>
 #include <clocale>
-#include <cstring>
 #include <cmath>
+#include <cstring>
+#include <utility>
 
 namespace {
 // The product's position tick; mpv reports time-pos about ten times a second.
@@ -67,7 +68,6 @@ MpvAudioEngine::MpvAudioEngine(const Options &options, QObject *parent)
 {
     m_tick.setInterval(tickIntervalMs);
     connect(&m_tick, &QTimer::timeout, this, &MpvAudioEngine::emitTick);
-    m_tick.start();
 }
 
 MpvAudioEngine::~MpvAudioEngine()
@@ -79,21 +79,23 @@ MpvAudioEngine::~MpvAudioEngine()
     m_library->terminateDestroy(m_mpv);
 }
 
-QFuture<void> MpvAudioEngine::loadLibrary()
+void MpvAudioEngine::start()
 {
-    return MpvLibrary::load().then([](const MpvLibrary *) { });
-}
-
-mpv_handle *MpvAudioEngine::mpv()
-{
-    if (!m_mpv && !m_unavailable)
+    if (m_starting || m_mpv || m_unavailable)
+        return;
+    m_starting = true;
+    // The watcher dies with the engine, and with it the call to an engine that is gone.
+    auto *loading = new QFutureWatcher<const MpvLibrary *>(this);
+    connect(loading, &QFutureWatcherBase::finished, this, [this, loading] {
+        loading->deleteLater();
+        m_library = loading->result();
         createMpv();
-    return m_mpv;
+    });
+    loading->setFuture(MpvLibrary::load());
 }
 
 void MpvAudioEngine::createMpv()
 {
-    m_library = MpvLibrary::get();
     // mpv refuses to start under any numeric locale but "C", and QCoreApplication sets the system's one.
     // Programs set it right after making their application object; a late call here is the fallback.
     if (std::strcmp(std::setlocale(LC_NUMERIC, nullptr), "C") != 0)
@@ -139,47 +141,68 @@ void MpvAudioEngine::createMpv()
         applyVolume(*m_volume);
     if (!m_outputDevice.isEmpty())
         lib.setPropertyString(m_mpv, "audio-device", m_outputDevice.toUtf8().constData());
+    // What was asked for while mpv was away, in the order it was asked.
+    applyPause();
+    for (Entry &entry : m_entries)
+        loadIntoMpv(entry);
+    m_tick.start();
 }
 
 QList<EngineItemId> MpvAudioEngine::items() const
 {
-    return m_entries;
+    QList<EngineItemId> ids;
+    ids.reserve(m_entries.size());
+    for (const Entry &entry : m_entries)
+        ids.append(entry.id);
+    return ids;
 }
 
 std::optional<EngineItemId> MpvAudioEngine::insert(const PlayerItem &item, std::optional<EngineItemId> after)
 {
     const bool intoEmpty = !after && m_entries.isEmpty();
-    const bool behindCurrent = after && m_entries.size() == 1 && m_entries.first() == *after && !m_currentFailed;
+    const bool behindCurrent = after && m_entries.size() == 1 && m_entries.first().id == *after && !m_currentFailed;
     if (!intoEmpty && !behindCurrent)
         return std::nullopt;
+    if (m_unavailable)
+        return std::nullopt;
+    Entry entry{
+        .id = ++m_lastId,
+        .url = item.url.isLocalFile() ? item.url.toLocalFile() : item.url.toString(QUrl::FullyEncoded),
+    };
+    if (intoEmpty)
+        forgetPosition();
+    if (m_mpv) {
+        loadIntoMpv(entry);
+        if (!entry.mpvId)
+            return std::nullopt;
+    } else {
+        start();
+    }
+    m_entries.append(entry);
+    return entry.id;
+}
+
+void MpvAudioEngine::loadIntoMpv(Entry &entry)
+{
     // "append-play" also for the second entry: should the first have ended a moment ago, an idle mpv would
     // leave a plain "append" waiting forever.
-    if (!mpv())
-        return std::nullopt;
-    const QString url = item.url.isLocalFile() ? item.url.toLocalFile() : item.url.toString(QUrl::FullyEncoded);
     mpv_node result{};
-    if (MpvNode::Command("loadfile").arg("url", url).arg("flags", QStringLiteral("append-play")).run(m_mpv, &result)
+    if (MpvNode::Command("loadfile").arg("url", entry.url).arg("flags", QStringLiteral("append-play")).run(m_mpv, &result)
         < 0)
-        return std::nullopt;
+        return;
     const mpv_node *idNode = MpvNode::find(result, "playlist_entry_id");
-    const std::optional<qint64> id = idNode ? MpvNode::intValue(*idNode) : std::nullopt;
+    entry.mpvId = idNode ? MpvNode::intValue(*idNode) : std::nullopt;
     m_library->freeNodeContents(&result);
-    if (!id)
-        return std::nullopt;
-    if (intoEmpty) {
-        m_duration.reset();
-        m_lastTick.reset();
-        m_timePos = 0;
-    }
-    m_entries.append(*id);
-    return *id;
 }
 
 void MpvAudioEngine::remove(EngineItemId item)
 {
-    if (!m_entries.removeOne(item))
+    const auto found = std::find_if(m_entries.cbegin(), m_entries.cend(), [item](const Entry &e) { return e.id == item; });
+    if (found == m_entries.cend())
         return;
-    removeFromMpv(item);
+    const Entry entry = *found;
+    m_entries.erase(found);
+    removeFromMpv(entry);
 }
 
 void MpvAudioEngine::removeAll()
@@ -187,9 +210,7 @@ void MpvAudioEngine::removeAll()
     m_entries.clear();
     m_loadingEntry.reset();
     m_currentFailed = false;
-    m_duration.reset();
-    m_lastTick.reset();
-    m_timePos = 0;
+    forgetPosition();
     // "stop" empties mpv's playlist; with idle on, mpv waits for the next file.
     if (m_mpv)
         MpvNode::Command("stop").run(m_mpv);
@@ -199,36 +220,43 @@ void MpvAudioEngine::advance()
 {
     if (m_entries.size() < 2)
         return;
-    const EngineItemId old = m_entries.takeFirst();
+    const Entry old = m_entries.takeFirst();
     m_currentFailed = false;
-    m_duration.reset();
-    m_lastTick.reset();
-    m_timePos = 0;
-    MpvNode::Command("playlist-next").run(m_mpv);
+    forgetPosition();
+    if (m_mpv)
+        MpvNode::Command("playlist-next").run(m_mpv);
     removeFromMpv(old);
 }
 
 void MpvAudioEngine::play()
 {
-    int flag = 0;
-    if (mpv())
-        m_library->setProperty(m_mpv, "pause", MPV_FORMAT_FLAG, &flag);
+    m_paused = false;
+    applyPause();
 }
 
 void MpvAudioEngine::pause()
 {
-    int flag = 1;
-    if (mpv())
+    m_paused = true;
+    applyPause();
+}
+
+void MpvAudioEngine::applyPause()
+{
+    int flag = m_paused ? 1 : 0;
+    if (m_mpv)
         m_library->setProperty(m_mpv, "pause", MPV_FORMAT_FLAG, &flag);
 }
 
 void MpvAudioEngine::seek(double seconds)
 {
-    if (!mpv())
-        return;
-    MpvNode::Command("seek").arg("target", seconds).arg("flags", QStringLiteral("absolute+exact")).run(m_mpv);
     m_timePos = std::max(seconds, 0.0);
     m_lastTick = m_timePos;
+    // mpv refuses a seek before the file is open; it is made when the file is.
+    if (m_entries.isEmpty() || !m_entries.first().loaded) {
+        m_seekWhenLoaded = seconds;
+        return;
+    }
+    MpvNode::Command("seek").arg("target", seconds).arg("flags", QStringLiteral("absolute+exact")).run(m_mpv);
 }
 
 // Kept until mpv starts, so that setting the saved volume at start-up does not load mpv early.
@@ -263,6 +291,16 @@ void MpvAudioEngine::setOutputDevice(const QString &name)
     }
 }
 
+// A new current item starts with no position and no length, whatever the last one had. Only a length that
+// becomes known is news: whoever follows the current item reads it again anyway.
+void MpvAudioEngine::forgetPosition()
+{
+    m_seekWhenLoaded.reset();
+    m_lastTick.reset();
+    m_timePos = 0;
+    m_duration.reset();
+}
+
 void MpvAudioEngine::drainEvents()
 {
     while (m_mpv) {
@@ -277,16 +315,24 @@ void MpvAudioEngine::handleEvent(const mpv_event &event)
 {
     switch (event.event_id) {
     case MPV_EVENT_START_FILE:
-        m_loadingEntry = static_cast<const mpv_event_start_file *>(event.data)->playlist_entry_id;
+        m_loadingEntry = idOf(static_cast<const mpv_event_start_file *>(event.data)->playlist_entry_id);
         // The new entry's time-pos starts unknown, and is briefly negative at a gapless boundary.
         m_lastTick.reset();
         m_timePos = 0;
-        m_duration.reset();
         break;
-    case MPV_EVENT_FILE_LOADED:
-        if (m_loadingEntry && m_entries.contains(*m_loadingEntry))
-            Q_EMIT itemReady(*m_loadingEntry);
+    case MPV_EVENT_FILE_LOADED: {
+        const auto loading = std::find_if(m_entries.begin(), m_entries.end(),
+                                          [this](const Entry &entry) { return entry.id == m_loadingEntry; });
+        if (loading == m_entries.end())
+            break;
+        loading->loaded = true;
+        if (loading == m_entries.begin()) {
+            if (const std::optional<double> target = std::exchange(m_seekWhenLoaded, std::nullopt))
+                seek(*target);
+        }
+        Q_EMIT itemReady(loading->id);
         break;
+    }
     case MPV_EVENT_END_FILE: {
         const auto *end = static_cast<const mpv_event_end_file *>(event.data);
         handleEndFile(end->playlist_entry_id, end->reason);
@@ -300,10 +346,10 @@ void MpvAudioEngine::handleEvent(const mpv_event &event)
     }
 }
 
-void MpvAudioEngine::handleEndFile(EngineItemId entry, int reason)
+void MpvAudioEngine::handleEndFile(qint64 mpvId, int reason)
 {
     // Only the current entry can end by itself; anything else was removed or replaced and says nothing.
-    if (m_entries.isEmpty() || m_entries.first() != entry)
+    if (m_entries.isEmpty() || m_entries.first().mpvId != mpvId)
         return;
     if (reason == MPV_END_FILE_REASON_ERROR) {
         // A broken stream or a missing file is not followed up: the song stays current and silent until the
@@ -315,9 +361,10 @@ void MpvAudioEngine::handleEndFile(EngineItemId entry, int reason)
     if (reason != MPV_END_FILE_REASON_EOF)
         return;
     // mpv has already moved on to the waiting entry, if there is one.
-    m_entries.removeFirst();
-    removeFromMpv(entry);
-    Q_EMIT itemEnded(entry);
+    const Entry ended = m_entries.takeFirst();
+    removeFromMpv(ended);
+    forgetPosition();
+    Q_EMIT itemEnded(ended.id);
 }
 
 void MpvAudioEngine::handlePropertyChange(const mpv_event &event)
@@ -328,10 +375,13 @@ void MpvAudioEngine::handlePropertyChange(const mpv_event &event)
         if (property->format == MPV_FORMAT_DOUBLE)
             m_timePos = std::max(*static_cast<const double *>(property->data), 0.0);
     } else if (name == "duration") {
-        if (property->format == MPV_FORMAT_DOUBLE)
-            m_duration = *static_cast<const double *>(property->data);
-        else
-            m_duration.reset();
+        const std::optional<double> duration = property->format == MPV_FORMAT_DOUBLE
+            ? std::optional(*static_cast<const double *>(property->data))
+            : std::nullopt;
+        if (duration != m_duration) {
+            m_duration = duration;
+            Q_EMIT durationChanged();
+        }
     } else if (name == "audio-device-list") {
         if (property->format == MPV_FORMAT_NODE) {
             m_outputDevices = readDevices(*static_cast<const mpv_node *>(property->data));
@@ -355,7 +405,16 @@ void MpvAudioEngine::emitTick()
     Q_EMIT positionTicked(m_timePos);
 }
 
-std::optional<qsizetype> MpvAudioEngine::playlistIndexOf(EngineItemId entry) const
+std::optional<EngineItemId> MpvAudioEngine::idOf(qint64 mpvId) const
+{
+    for (const Entry &entry : m_entries) {
+        if (entry.mpvId == mpvId)
+            return entry.id;
+    }
+    return std::nullopt;
+}
+
+std::optional<qsizetype> MpvAudioEngine::playlistIndexOf(qint64 mpvId) const
 {
     mpv_node playlist{};
     if (!m_mpv || m_library->getProperty(m_mpv, "playlist", MPV_FORMAT_NODE, &playlist) < 0)
@@ -364,15 +423,17 @@ std::optional<qsizetype> MpvAudioEngine::playlistIndexOf(EngineItemId entry) con
     const QList<const mpv_node *> entries = MpvNode::elements(playlist);
     for (qsizetype i = 0; i < entries.size() && !index; ++i) {
         const mpv_node *id = MpvNode::find(*entries[i], "id");
-        if (id && MpvNode::intValue(*id) == entry)
+        if (id && MpvNode::intValue(*id) == mpvId)
             index = i;
     }
     m_library->freeNodeContents(&playlist);
     return index;
 }
 
-void MpvAudioEngine::removeFromMpv(EngineItemId entry)
+void MpvAudioEngine::removeFromMpv(const Entry &entry)
 {
-    if (const std::optional<qsizetype> index = playlistIndexOf(entry))
+    if (!entry.mpvId)
+        return;
+    if (const std::optional<qsizetype> index = playlistIndexOf(*entry.mpvId))
         MpvNode::Command("playlist-remove").arg("index", qint64(*index)).run(m_mpv);
 }

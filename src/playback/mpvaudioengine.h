@@ -1,12 +1,16 @@
 #pragma once
 
 // The audio engine on libmpv. mpv's own playlist mirrors the engine's list: at most two entries, the song
-// playing and the one waiting behind it, each named by its playlist entry id. Played entries are removed as
-// soon as mpv moves past them, so mpv never holds more than the two.
+// playing and the one waiting behind it. Played entries are removed as soon as mpv moves past them, so mpv never
+// holds more than the two.
+//
+// libmpv is loaded on a worker thread and mpv started once it is in. Until then the engine keeps its list, the
+// pause state and a seek by itself, and hands them to mpv when it starts, so that restoring the last queue at
+// start-up neither waits for libmpv nor is lost when the program quits before it came. The engine's item ids
+// are its own for that reason; each maps to mpv's playlist entry id once mpv has the item.
 
 #include "audioengine.h"
 
-#include <QFuture>
 #include <QTimer>
 
 struct MpvLibrary;
@@ -25,15 +29,13 @@ public:
         QString audioFilter;      // mpv's "af", e.g. "lavfi=[arealtime]" to pace a file output in real time
     };
 
-    // mpv itself starts at the first call that needs it, and then sets LC_NUMERIC to "C" for itself.
     explicit MpvAudioEngine(QObject *parent = nullptr);
     explicit MpvAudioEngine(const Options &options, QObject *parent = nullptr);
     ~MpvAudioEngine() override;
 
-    // Loads libmpv on a worker thread, so that the first song need not wait for it.
-    static QFuture<void> loadLibrary();
-    // Starts mpv now rather than at the first song, so that the outputs are known before anything plays.
-    void start() { mpv(); }
+    // Starts loading libmpv, and mpv once it is in, unless that has begun; the first item asks for it too.
+    void start();
+    [[nodiscard]] bool isStarted() const { return m_mpv != nullptr; }
 
     [[nodiscard]] QList<EngineItemId> items() const override;
     std::optional<EngineItemId> insert(const PlayerItem &item, std::optional<EngineItemId> after) override;
@@ -53,25 +55,40 @@ public:
     void setOutputDevice(const QString &name) override;
 
 private:
-    mpv_handle *mpv();
+    struct Entry {
+        EngineItemId id = 0;
+        QString url;
+        std::optional<qint64> mpvId; // once mpv has it
+        bool loaded = false; // mpv has opened its file
+    };
+
     void createMpv();
+    void loadIntoMpv(Entry &entry);
     void applyVolume(float volume);
+    void applyPause();
     void drainEvents();
     void handleEvent(const mpv_event &event);
-    void handleEndFile(EngineItemId entry, int reason);
+    void handleEndFile(qint64 mpvId, int reason);
     void handlePropertyChange(const mpv_event &event);
     void emitTick();
-    [[nodiscard]] std::optional<qsizetype> playlistIndexOf(EngineItemId entry) const;
-    void removeFromMpv(EngineItemId entry);
+    void forgetPosition();
+    [[nodiscard]] std::optional<EngineItemId> idOf(qint64 mpvId) const;
+    [[nodiscard]] std::optional<qsizetype> playlistIndexOf(qint64 mpvId) const;
+    void removeFromMpv(const Entry &entry);
 
     Options m_options;
     const MpvLibrary *m_library = nullptr;
     mpv_handle *m_mpv = nullptr;
+    bool m_starting = false;
     bool m_unavailable = false;
+    bool m_paused = true;
     std::optional<float> m_volume;
-    QList<EngineItemId> m_entries;
-    // The entry whose file mpv is opening now, so that "file loaded" can name it.
+    QList<Entry> m_entries;
+    EngineItemId m_lastId = 0;
+    // The entry whose file mpv is opening now.
     std::optional<EngineItemId> m_loadingEntry;
+    // A seek asked for before the current entry's file was open.
+    std::optional<double> m_seekWhenLoaded;
     // The current entry failed to open and mpv was stopped: nothing more may start behind it.
     bool m_currentFailed = false;
     std::optional<double> m_duration;

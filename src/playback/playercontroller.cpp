@@ -34,6 +34,7 @@ PlayerController::PlayerController(AudioEngine *engine, PlayerStorage storage, Q
     connect(m_engine, &AudioEngine::itemReady, this, &PlayerController::onItemReady);
     connect(m_engine, &AudioEngine::positionTicked, this, &PlayerController::onPositionTicked);
     connect(m_engine, &AudioEngine::outputDevicesChanged, this, &PlayerController::outputDevicesChanged);
+    connect(m_engine, &AudioEngine::durationChanged, this, &PlayerController::durationChanged);
 
     m_volumePersist.setSingleShot(true);
     m_volumePersist.setInterval(volumePersistDelayMs);

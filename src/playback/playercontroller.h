@@ -145,6 +145,8 @@ Q_SIGNALS:
     void outputDevicesChanged();
     // The position jumped: a seek, or a restart of the current song.
     void seeked(double seconds);
+    // duration() changed while the song stayed: the engine came to know the length.
+    void durationChanged();
 
 private:
     class Operation;

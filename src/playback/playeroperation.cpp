@@ -40,6 +40,8 @@ PlayerController::Operation::~Operation()
     m_owner.m_operation = nullptr;
     if (m_owner.currentSong() != m_songBefore)
         Q_EMIT m_owner.currentSongChanged();
+    else if (m_trackBegan)
+        Q_EMIT m_owner.seeked(m_owner.m_currentTime);
     if (m_editedInPlace || !sameTail(m_queueBefore, m_indexBefore, m_owner.m_queue, m_owner.m_currentIndex))
         Q_EMIT m_owner.upNextChanged();
 }

@@ -18,6 +18,9 @@ public:
     // For an edit of the queue in place that certainly changes what comes next: the queue from before is let
     // go, since keeping it would force a copy of the whole queue.
     void queueEditedInPlace();
+    // A song started from its beginning or a restored place. When it is the song that was current before,
+    // nothing says "current song changed", so the jump of the position is told as a seek instead.
+    void trackBegan() { m_trackBegan = true; }
 
 private:
     PlayerController &m_owner;
@@ -27,4 +30,5 @@ private:
     QList<Song> m_queueBefore;
     std::optional<qsizetype> m_indexBefore;
     bool m_editedInPlace = false;
+    bool m_trackBegan = false;
 };

@@ -30,6 +30,8 @@ void PlayerController::setOutputDevice(const QString &name)
 void PlayerController::systemWillSleep()
 {
     pause();
+    // The machine may not come back: the place is kept now rather than a second from now.
+    saveSession();
 }
 
 void PlayerController::systemDidWake()
@@ -62,6 +64,8 @@ void PlayerController::pause()
 
 void PlayerController::seek(double seconds)
 {
+    // The user's place wins over the one a restore was still waiting to reach.
+    m_pendingSeek.reset();
     m_engine->seek(seconds);
     setCurrentTime(seconds);
     Q_EMIT seeked(seconds);
@@ -154,6 +158,7 @@ void PlayerController::startItem(qsizetype index, StartMode mode, double seekTo)
 
 void PlayerController::beganTrack(qsizetype index, double position, StartMode mode)
 {
+    m_operation->trackBegan();
     setCurrentIndex(index);
     setCurrentTime(position);
     // A session restored past the threshold was submitted in its earlier run.

@@ -1,6 +1,5 @@
 #include "appstate.h"
 
-#include "artwork/artworkfetcher.h"
 #include "keychain.h"
 #include "library/librarystore.h"
 #include "offline/downloadstore.h"
@@ -46,23 +45,30 @@ QString AppState::username() const
 
 // No ping here on purpose: Velto opens on what it holds even when the server is away, and a changed password
 // shows up with the first real request.
-void AppState::restoreSession()
+QCoro::Task<> AppState::restoreSession()
 {
     const QString urlText = m_settings->value(serverURLKey).toString();
     if (urlText.isEmpty())
-        return;
+        co_return;
     const QUrl url(urlText, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty())
-        return;
-    const QString username = m_settings->value(usernameKey).toString();
+        co_return;
     if (!m_settings->contains(usernameKey))
-        return;
-    const std::optional<QString> password = Keychain::password(username + u'@' + urlText);
-    if (!password)
-        return;
+        co_return;
+    const QString username = m_settings->value(usernameKey).toString();
     const AuthMethod authMethod =
         m_settings->value(authMethodKey).toString() == legacyAuthValue ? AuthMethod::LegacyPassword : AuthMethod::Token;
-    setClient(SubsonicClient(ServerConfig{url, username, *password, authMethod}, m_network));
+
+    m_restoring = true;
+    QPointer<AppState> self(this);
+    const std::optional<QString> password = co_await Keychain::password(username + u'@' + urlText);
+    // A connect that finished meanwhile is the newer word.
+    if (!self || !m_restoring)
+        co_return;
+    m_restoring = false;
+    if (password)
+        setClient(SubsonicClient(ServerConfig{url, username, *password, authMethod}, m_network));
+    Q_EMIT restoringChanged();
 }
 
 QCoro::Task<> AppState::connect(QString urlString, QString username, QString password, AuthMethod authMethod)
@@ -83,7 +89,11 @@ QCoro::Task<> AppState::connect(QString urlString, QString username, QString pas
     else
         m_settings->remove(authMethodKey);
     m_settings->sync();
-    Keychain::save(password, serverKey(client.config()));
+    co_await Keychain::save(password, serverKey(client.config()));
+    if (!self)
+        co_return;
+    if (std::exchange(m_restoring, false))
+        Q_EMIT restoringChanged();
     setClient(client);
 }
 
@@ -98,6 +108,8 @@ void AppState::logout()
     m_settings->remove(usernameKey);
     m_settings->remove(authMethodKey);
     m_settings->sync();
+    if (std::exchange(m_restoring, false))
+        Q_EMIT restoringChanged();
     setClient(std::nullopt);
 }
 
@@ -105,10 +117,10 @@ void AppState::setClient(std::optional<SubsonicClient> client)
 {
     m_client = std::move(client);
     m_library.reset(m_client ? new LibraryStore(*m_client) : nullptr);
-    // A running download holds the store it began in until it ends; nothing is cancelled here.
+    // A running download holds the store it began in until it ends; nothing is cancelled here. The artwork
+    // cache keeps looking in the account's cover folder after sign-out, so that covers of downloaded music
+    // are there for the next sign-in, whose store points it anew.
     m_downloads = m_client ? DownloadStore::create(*m_client) : nullptr;
-    if (!m_client)
-        ArtworkFetcher::shared().setOfflineDirectory(std::nullopt);
     Q_EMIT clientChanged();
     Q_EMIT downloadsChanged();
 }

@@ -1,6 +1,8 @@
 #include "keychain.h"
 
-#include <QEventLoop>
+#include <QCoreApplication>
+#include <QCoroSignal>
+#include <QDeadlineTimer>
 #include <QStringDecoder>
 
 #include <qt6keychain/keychain.h>
@@ -8,55 +10,69 @@
 namespace Keychain {
 
 namespace {
+int pendingJobs = 0;
+
 template<typename JobType>
 JobType *makeJob(const QString &account)
 {
     auto *job = new JobType(QString::fromLatin1(service));
+    job->setAutoDelete(false);
     job->setInsecureFallback(false);
     job->setKey(account);
     return job;
 }
+
+// Runs the job to its end. The caller reads its outcome and then lets go of it with deleteLater.
+QCoro::Task<> run(QKeychain::Job *job)
+{
+    ++pendingJobs;
+    bool finished = false;
+    QObject::connect(job, &QKeychain::Job::finished, job, [&finished] { finished = true; });
+    job->start();
+    // A job may fail at once, inside start().
+    if (!finished)
+        co_await qCoro(job, &QKeychain::Job::finished);
+    --pendingJobs;
+}
 }
 
-std::optional<QString> password(const QString &account)
+QCoro::Task<std::optional<QString>> password(QString account)
 {
     auto *job = makeJob<QKeychain::ReadPasswordJob>(account);
-    job->setAutoDelete(false);
-    bool finished = false;
-    QEventLoop loop;
-    QObject::connect(job, &QKeychain::Job::finished, &loop, [&] {
-        finished = true;
-        loop.quit();
-    });
-    job->start();
-    if (!finished)
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
-
+    co_await run(job);
     std::optional<QString> result;
     if (job->error() == QKeychain::NoError) {
         // Stored as UTF-8 bytes; anything else is not our password.
-        const QByteArray data = job->binaryData();
         QStringDecoder decoder(QStringDecoder::Utf8);
-        const QString text = decoder(data);
+        const QString text = decoder(job->binaryData());
         if (!decoder.hasError())
             result = text;
     }
     job->deleteLater();
-    return result;
+    co_return result;
 }
 
-void save(const QString &password, const QString &account)
+QCoro::Task<> save(QString password, QString account)
 {
-    // The executor runs jobs one after another, so the delete lands before the write.
-    deletePassword(account);
+    co_await deletePassword(account);
     auto *job = makeJob<QKeychain::WritePasswordJob>(account);
     job->setBinaryData(password.toUtf8());
-    job->start();
+    co_await run(job);
+    job->deleteLater();
 }
 
-void deletePassword(const QString &account)
+QCoro::Task<> deletePassword(QString account)
 {
-    makeJob<QKeychain::DeletePasswordJob>(account)->start();
+    auto *job = makeJob<QKeychain::DeletePasswordJob>(account);
+    co_await run(job);
+    job->deleteLater();
+}
+
+void waitForPendingJobs(std::chrono::milliseconds timeout)
+{
+    const QDeadlineTimer deadline(timeout);
+    while (pendingJobs > 0 && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
 }
 
 }

@@ -14,6 +14,9 @@ ColumnLayout {
     ToolButton {
         objectName: "advancedToggle"
         padding: 2
+        // The label sits in a child, which assistive technology does not read as the button's name.
+        Accessible.name: qsTr("Advanced")
+        Accessible.description: disclosure.expanded ? qsTr("Hide the advanced options") : qsTr("Show the advanced options")
         onClicked: disclosure.expanded = !disclosure.expanded
         contentItem: RowLayout {
             spacing: 4

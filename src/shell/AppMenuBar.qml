@@ -8,6 +8,11 @@ MenuBar {
     signal settingsRequested()
     signal aboutRequested()
 
+    // The "&" that marks a mnemonic is no part of the name a screen reader says.
+    delegate: MenuBarItem {
+        Accessible.name: text.replace("&", "")
+    }
+
     Menu {
         title: qsTr("&File")
         Action {

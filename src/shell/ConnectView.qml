@@ -3,7 +3,7 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Velto
 
-Item {
+FocusScope {
     id: view
     required property AppState appState
 
@@ -56,8 +56,10 @@ Item {
                 placeholderText: "https://music.example.com"
                 inputMethodHints: Qt.ImhUrlCharactersOnly | Qt.ImhNoAutoUppercase
                 text: form.serverURL
-                enabled: !form.isConnecting
+                // Read-only rather than disabled while connecting, so that the caret stays where it was.
+                readOnly: form.isConnecting
                 focus: true
+                Accessible.name: qsTr("Server URL")
                 onTextEdited: form.serverURL = text
                 onAccepted: form.submit()
             }
@@ -67,7 +69,8 @@ Item {
                 Layout.fillWidth: true
                 inputMethodHints: Qt.ImhNoAutoUppercase
                 text: form.username
-                enabled: !form.isConnecting
+                readOnly: form.isConnecting
+                Accessible.name: qsTr("Username")
                 onTextEdited: form.username = text
                 onAccepted: form.submit()
             }
@@ -77,7 +80,11 @@ Item {
                 Layout.fillWidth: true
                 echoMode: TextInput.Password
                 text: form.password
-                enabled: !form.isConnecting
+                readOnly: form.isConnecting
+                // Qt keeps a password field's accessible name empty whatever it is given, and makes the
+                // placeholder its description: that is where a screen reader finds what the field is for.
+                placeholderText: qsTr("Password")
+                Accessible.name: qsTr("Password")
                 onTextEdited: form.password = text
                 onAccepted: form.submit()
             }
@@ -98,6 +105,9 @@ Item {
             Layout.fillWidth: true
             enabled: form.canConnect
             highlighted: true
+            // A click leaves the keyboard in the field it came from, which stays usable after a failure.
+            focusPolicy: Qt.TabFocus
+            Accessible.name: qsTr("Connect")
             text: form.isConnecting ? "" : qsTr("Connect")
             onClicked: form.submit()
             BusyIndicator {

@@ -1,6 +1,7 @@
 #include "shell/symbolicons.h"
 #include "shell/veltoapp.h"
 #include "shell/mainwindow.h"
+#include "shell/quitsignals.h"
 
 #include <QFontDatabase>
 #include <clocale>
@@ -28,6 +29,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(QStringLiteral(VELTO_VERSION));
     QGuiApplication::setDesktopFileName(u"co.marrowlight.velto"_s);
     QGuiApplication::setWindowIcon(QIcon(u":/icons/co.marrowlight.velto.svg"_s));
+    QuitSignals quitSignals;
     QQuickStyle::setStyle(u"Fusion"_s);
     QFontDatabase::addApplicationFont(SymbolIcons::fontPath());
 

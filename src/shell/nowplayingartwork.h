@@ -25,7 +25,7 @@ public:
     // The cover file the media controls point at, when one is on disk.
     [[nodiscard]] static std::optional<QUrl> artURL(const Song &song);
 
-    static constexpr int pixelSize = 512;
+    static constexpr int pixelSize = 1024;
 
 private:
     void currentSongChanged();

@@ -12,10 +12,16 @@
 #include "playback/sleepwatcher.h"
 #include "preferences.h"
 #include "server/appstate.h"
+#include "server/keychain.h"
 #include "server/networkaccess.h"
 #include "updatermodel.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+
+namespace {
+// A keyring write still running at quit is given this long; a keyring that hangs must not hold the quit.
+constexpr std::chrono::milliseconds keychainGraceMs{5000};
+}
 
 VeltoApp::VeltoApp(Setup setup, QObject *parent)
     : QObject(parent)
@@ -37,7 +43,9 @@ VeltoApp::VeltoApp(Setup setup, QObject *parent)
         .currentVersion = setup.version,
     });
     m_commands = std::make_unique<AppCommands>(m_appState.get(), m_player.get());
-    connect(qApp, &QCoreApplication::aboutToQuit, this, &VeltoApp::aboutToQuit);
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &VeltoApp::saveState);
+    if (auto *gui = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+        connect(gui, &QGuiApplication::commitDataRequest, this, &VeltoApp::saveState);
 }
 
 VeltoApp::~VeltoApp() = default;
@@ -52,38 +60,22 @@ void VeltoApp::mainViewAppeared()
     library->ensureStarredLoaded();
     if (isLikelyLocalHost(client->config().baseURL.host(QUrl::FullyEncoded)))
         LocalNetworkPrompter::trigger();
-    // Restoring starts the audio engine, which waits for libmpv; windowShown() brings it in without delaying
-    // the first frame.
-    m_restorePending = true;
-    if (m_audioLoaded)
-        restorePlayerSession();
+    // The queue is back at once; the engine takes it up when libmpv has loaded.
+    m_player->restoreSession(*client);
 }
 
+// libmpv loads on a worker once the first frame is up, so that the outputs are known before anything plays.
 void VeltoApp::windowShown()
 {
-    if (m_audioLoadStarted)
-        return;
-    m_audioLoadStarted = true;
-    MpvAudioEngine::loadLibrary().then(this, [this] {
-        m_audioLoaded = true;
-        m_engine->start();
-        if (m_restorePending)
-            restorePlayerSession();
-    });
-}
-
-void VeltoApp::restorePlayerSession()
-{
-    m_restorePending = false;
-    if (const std::optional<SubsonicClient> &client = m_appState->client())
-        m_player->restoreSession(*client);
+    m_engine->start();
 }
 
 // Synchronous on purpose: nothing asynchronous runs once the event loop has stopped.
-void VeltoApp::aboutToQuit()
+void VeltoApp::saveState()
 {
     m_player->saveSession();
     m_player->flushVolume();
     DownloadStore::flushWrites();
+    Keychain::waitForPendingJobs(keychainGraceMs);
     m_settings.sync();
 }

@@ -53,10 +53,9 @@ public:
     Q_INVOKABLE void mainViewAppeared();
     // The main window's first frame is on screen: time for the work that would have delayed it.
     void windowShown();
-
-private:
-    void aboutToQuit();
-    void restorePlayerSession();
+    // Writes at once what a restart must find: the playing session, the volume, the downloads' manifest, the
+    // keyring's items and the settings. At quit, and when the desktop session asks before it ends.
+    void saveState();
 
     QSettings m_settings;
     std::unique_ptr<AppState> m_appState;
@@ -68,7 +67,4 @@ private:
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<UpdaterModel> m_updater;
     std::unique_ptr<AppCommands> m_commands;
-    bool m_audioLoadStarted = false;
-    bool m_audioLoaded = false;
-    bool m_restorePending = false;
 };
