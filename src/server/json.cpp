@@ -3,6 +3,7 @@
 #include <QVariant>
 
 #include <cmath>
+#include <limits>
 
 namespace Json {
 
@@ -21,15 +22,19 @@ QString toString(const QJsonValue &value)
 
 // JSON has one number type; an integer field takes only numbers with no fractional part, as the server's
 // Int fields do. 212.5 fails; so does anything beyond 64 bits. The parser keeps integers that fit in 64 bits
-// as integers and everything else as a double, and a double at or past ±2^63 may stand for a number just
-// outside the range, so only doubles strictly inside it are taken.
+// as integers and everything else as a double, except that a number a little below the range rounds to -2^63
+// and is then kept as that integer. So the minimum itself is refused (no field of the server's holds it), and
+// of the doubles only those strictly inside the range are taken.
 qint64 toInt(const QJsonValue &value)
 {
     if (!value.isDouble())
         throw DecodeError{};
     const QVariant number = value.toVariant();
-    if (number.typeId() == QMetaType::LongLong)
+    if (number.typeId() == QMetaType::LongLong) {
+        if (number.toLongLong() == std::numeric_limits<qint64>::min())
+            throw DecodeError{};
         return number.toLongLong();
+    }
     constexpr double limit = 9223372036854775808.0; // 2^63
     const double asDouble = value.toDouble();
     if (!std::isfinite(asDouble) || std::trunc(asDouble) != asDouble || std::abs(asDouble) >= limit)

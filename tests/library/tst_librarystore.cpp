@@ -3,10 +3,30 @@
 #include "library/removalretrytarget.h"
 #include "librarytesthelpers.h"
 
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+const QString reachabilityFlag = u"--reachability"_s;
+
+// What a store makes of a server at `url` after one load: "ok", "offline", or the fault's text.
+QString reachabilityOf(const QString &url)
+{
+    LibraryStore store(SubsonicClient(ServerConfig{QUrl(url), u"a"_s, u"b"_s}));
+    store.ensureStarredLoaded();
+    if (!QTest::qWaitFor([&] { return store.starredLoaded(); }, 20000))
+        return u"no answer"_s;
+    const ServerReachability &reachability = store.reachability();
+    if (reachability.isOk())
+        return u"ok"_s;
+    if (reachability.failure->kind == ConnectionFault::Kind::Offline)
+        return u"offline"_s;
+    return store.starredError().value_or(u"?"_s);
+}
+}
 
 class LibraryStoreTest : public QObject
 {
@@ -77,6 +97,44 @@ private Q_SLOTS:
         QVERIFY(store->hasCachedContent());
     }
 
+    // A grid asks for the next page when the last one is in, from the very signal that tells it so.
+    void aPageAskedForOnTheNewsOfTheLastIsFetched()
+    {
+        server->enqueue(u"getAlbumList2"_s, albumPage(0, 60));
+        server->enqueue(u"getAlbumList2"_s, albumPage(60, 60));
+        server->enqueue(u"getAlbumList2"_s, albumPage(120, 10));
+        const auto type = AlbumListType::Recent;
+        connect(store.get(), &LibraryStore::albumListChanged, store.get(), [this, type] {
+            const AlbumListState state = store->albumList(type);
+            if (!state.isLoading && !state.reachedEnd)
+                store->loadMoreAlbums(type);
+        });
+        store->loadMoreAlbums(type);
+        QTRY_VERIFY(store->albumList(type).reachedEnd);
+        QCOMPARE(store->albumList(type).albums.size(), 130);
+    }
+
+    void theHomeRandomRowLoadsAgainAfterAFailure()
+    {
+        server->enqueue(u"getAlbumList2"_s, serverError(0, u"Busy"_s));
+        server->enqueue(u"getAlbumList2"_s, albumPage(0, 20));
+        const auto row = [this] { return store->homeRowState(AlbumListType::Random); };
+        store->ensureHomeRow(AlbumListType::Random);
+        QVERIFY(row().isLoading);
+        QTRY_VERIFY(!row().isLoading);
+        QCOMPARE(row().errorMessage, u"Busy"_s);
+        QVERIFY(row().reachedEnd);
+
+        store->ensureHomeRow(AlbumListType::Random);
+        QCOMPARE(row().errorMessage, std::nullopt);
+        QTRY_COMPARE(row().albums.size(), 20);
+        QVERIFY(!row().isLoading);
+        store->ensureHomeRow(AlbumListType::Random);
+        QCOMPARE(server->count(u"getAlbumList2"_s), 2);
+        const RecordedRequest &asked = server->requests(u"getAlbumList2"_s).last();
+        QCOMPARE(asked.value(u"type"_s) + asked.value(u"size"_s), u"random20"_s);
+    }
+
     void aFailedAlbumPageKeepsWhatWasHeldAndCanBeAskedAgain()
     {
         server->enqueue(u"getAlbumList2"_s, albumPage(0, 60));
@@ -143,6 +201,8 @@ private Q_SLOTS:
 
         store->ensureArtistsLoaded();
         store->ensureSongsLoaded();
+        server->on(u"getAlbumList2"_s, delayed(albumPage(0, 5), 300));
+        store->loadMoreAlbums(AlbumListType::Newest);
         QSignalSpy epoch(store.get(), &LibraryStore::epochChanged);
         QTest::qWait(50);
         store->refresh();
@@ -155,18 +215,31 @@ private Q_SLOTS:
         QVERIFY(!store->songsLoaded());
         QVERIFY(!store->playlistsLoaded());
         QCOMPARE(store->playlists().size(), 1); // the sidebar keeps its rows
+        QCOMPARE(store->albumList(AlbumListType::Newest), AlbumListState{});
+        store->loadMoreAlbums(AlbumListType::Newest);
+        QTRY_COMPARE(store->albumList(AlbumListType::Newest).albums.size(), 5);
 
         store->ensureArtistsLoaded();
         QTRY_VERIFY(store->artistsLoaded());
         QCOMPARE(store->allArtists().first().name, u"Abba"_s);
     }
 
+    // Only a server out of reach or refusing the password is a standing fault; an error of its own, or an answer
+    // that makes no sense, is not.
     void reachabilityFollowsTheServer()
     {
-        server->on(u"getStarred2"_s, FakeSubsonicServer::json({{u"starred2"_s, QJsonObject()}}));
+        const QJsonObject starred{{u"song"_s, QJsonArray{songJson(u"s1"_s)}}, {u"album"_s, QJsonArray{albumJson(u"al"_s)}},
+                                  {u"artist"_s, QJsonArray{QJsonObject{{u"id"_s, u"ar"_s}, {u"name"_s, u"A"_s}}}}};
+        server->on(u"getStarred2"_s, FakeSubsonicServer::json({{u"starred2"_s, starred}}));
         server->on(u"getPlaylists"_s, serverError(0, u"Internal error"_s));
+        server->on(u"getArtists"_s, FakeResponse{.contentType = "text/html", .body = "<html>"});
         store->ensurePlaylistsLoaded();
-        QTRY_VERIFY(store->playlistsLoaded());
+        store->ensureArtistsLoaded();
+        QTRY_VERIFY(store->playlistsLoaded() && store->artistsLoaded());
+        QVERIFY(store->reachability().isOk());
+        server->on(u"star"_s, serverError(70, u"Not found"_s));
+        store->toggleStar(song(u"x"_s));
+        QTRY_VERIFY(store->lastFailure());
         QVERIFY(store->reachability().isOk());
 
         server->stop();
@@ -179,6 +252,35 @@ private Q_SLOTS:
         store->ensureStarredLoaded();
         QTRY_VERIFY(store->starredLoaded());
         QVERIFY(store->reachability().isOk());
+        QCOMPARE(store->starredIds(), QSet<QString>{u"s1"_s});
+        QCOMPARE(store->starredAlbumIds(), QSet<QString>{u"al"_s});
+        QCOMPARE(store->starredArtistIds(), QSet<QString>{u"ar"_s});
+    }
+
+    // Real failing connections, not codes: a closed port and a name that does not resolve.
+    void unreachableServersReadAsOffline_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::newRow("closed port") << u"http://127.0.0.1:1"_s;
+        QTest::newRow("unknown name") << u"http://velto-test.invalid"_s;
+    }
+
+    void unreachableServersReadAsOffline()
+    {
+        QFETCH(QString, url);
+        QCOMPARE(reachabilityOf(url), u"offline"_s);
+    }
+
+    // A machine off the network: a network namespace of its own whose loopback is down.
+    void anUnreachableNetworkReadsAsOffline()
+    {
+        if (QProcess::execute(u"unshare"_s, {u"-rn"_s, u"true"_s}) != 0)
+            QSKIP("This machine cannot make a network namespace (unshare -rn) to cut a process off in");
+        QProcess child;
+        child.start(u"unshare"_s, {u"-rn"_s, QCoreApplication::applicationFilePath(), reachabilityFlag,
+                                   u"http://127.0.0.1:4533"_s});
+        QVERIFY(child.waitForFinished(30000));
+        QCOMPARE(QString::fromUtf8(child.readAllStandardOutput()), u"offline"_s);
     }
 
     void retryConnectionPingsOnceAndRestartsTheScreens()
@@ -241,6 +343,20 @@ private Q_SLOTS:
         server->on(u"getArtist"_s, FakeResponse{.status = 500});
         QVERIFY(awaitFailure<SubsonicError>(store->artistDiscographySongs(u"other"_s)));
         QVERIFY(store->reachability().isOk());
+
+        // A page that closes stops the walk through the albums.
+        store->refresh();
+        server->on(u"getArtist"_s, FakeSubsonicServer::json({{u"artist"_s, QJsonObject{{u"id"_s, u"ar"_s},
+                                                            {u"name"_s, u"N"_s}, {u"album"_s, albums}}}}));
+        server->on(u"getAlbum"_s, delayed(FakeSubsonicServer::json({{u"album"_s, albumJson(u"any"_s)}}), 200));
+        server->clearLog();
+        const CancelToken closed = CancelToken::create();
+        auto walk = store->artistDiscographySongs(u"ar"_s, closed);
+        QTRY_COMPARE(server->count(u"getAlbum"_s), 1);
+        closed.cancel();
+        QVERIFY(awaitFailure<TaskCancelled>(std::move(walk)).has_value());
+        QTest::qWait(100);
+        QCOMPARE(server->count(u"getAlbum"_s), 1);
     }
 
     void removalRetryTargetFollowsTheSong()
@@ -349,14 +465,39 @@ private Q_SLOTS:
         QCOMPARE(store->playlists().size(), 1);
         QVERIFY(store->lastFailure()->retry);
 
+        // Each edit that lands drops the cached detail, so that the playlist is read again.
+        const auto refetchesDetail = [this] {
+            const int asked = server->count(u"getPlaylist"_s);
+            awaitTask(store->playlistDetail(u"p1"_s));
+            awaitTask(store->playlistDetail(u"p1"_s));
+            return server->count(u"getPlaylist"_s) == asked + 1;
+        };
         server->on(u"createPlaylist"_s, FakeSubsonicServer::json({}));
         QVERIFY(awaitTask(store->reorderPlaylist(u"p1"_s, {u"a"_s})));
+        QVERIFY(refetchesDetail());
+        awaitTask(store->renamePlaylist(u"p1"_s, u"New"_s));
+        QVERIFY(refetchesDetail());
+        awaitTask(store->addSongs({song(u"b"_s)}, u"p1"_s));
+        QVERIFY(refetchesDetail());
+        awaitTask(store->removeSong(1, {u"a"_s, u"b"_s}, u"p1"_s));
+        QVERIFY(refetchesDetail());
         server->on(u"deletePlaylist"_s, FakeSubsonicServer::json({}));
         QVERIFY(awaitTask(store->deletePlaylist(u"p1"_s)));
         QVERIFY(store->playlists().isEmpty());
 
+        // An album listed without its songs is fetched first; failing that, the failure says so and can retry.
+        server->on(u"getAlbum"_s, serverError(70, u"Album gone"_s));
+        awaitTask(store->addAlbum(Album{.id = u"al"_s, .name = u"n"_s}, u"p1"_s));
+        QCOMPARE(store->lastFailure()->message(), u"Couldn't add the album to the playlist — album gone"_s);
+        QJsonObject album = albumJson(u"al"_s);
+        album.insert(u"song"_s, QJsonArray{songJson(u"x"_s), songJson(u"y"_s)});
+        server->on(u"getAlbum"_s, FakeSubsonicServer::json({{u"album"_s, album}}));
+        awaitTask(store->retryLastFailure());
+        QCOMPARE(serverEntries, (QStringList{u"a"_s, u"x"_s, u"y"_s}));
+
         // Adding nothing asks nothing and shows nothing.
         store->setLastFailure(std::nullopt);
+        server->clearLog();
         awaitTask(store->addAlbum(Album{.id = u"al"_s, .name = u"n"_s, .song = QList<Song>()}, u"p1"_s));
         QCOMPARE(server->count(u"getAlbum"_s), 0);
         QCOMPARE(server->count(u"updatePlaylist"_s), 0);
@@ -366,9 +507,10 @@ private Q_SLOTS:
     void createPlaylistOnAnOldServerFindsTheNewOne()
     {
         QStringList names{u"Mix"_s};
+        // Newest first, and the list never loaded before: only asking first tells the old "Mix" from the new.
         server->on(u"getPlaylists"_s, [&names](const RecordedRequest &) {
             QJsonArray rows;
-            for (int i = 0; i < names.size(); ++i)
+            for (qsizetype i = names.size() - 1; i >= 0; --i)
                 rows.append(QJsonObject{{u"id"_s, QString::number(i)}, {u"name"_s, names[i]}});
             return FakeResponse{.body = FakeSubsonicServer::ok(playlistsPayload(rows), u"1.10.2"_s)};
         });
@@ -376,13 +518,20 @@ private Q_SLOTS:
             names.append(request.value(u"name"_s));
             return FakeResponse{.body = FakeSubsonicServer::ok({}, u"1.10.2"_s)};
         });
-        store->ensurePlaylistsLoaded();
-        QTRY_VERIFY(store->playlistsLoaded());
         QCOMPARE(awaitTask(store->createPlaylist(u"Mix"_s)), u"1"_s);
         QCOMPARE(store->playlists().size(), 2);
         QCOMPARE(store->lastFailure(), std::nullopt);
     }
 };
 
-QTEST_GUILESS_MAIN(LibraryStoreTest)
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    if (app.arguments().value(1) == reachabilityFlag) {
+        std::fputs(reachabilityOf(app.arguments().value(2)).toUtf8().constData(), stdout);
+        return 0;
+    }
+    LibraryStoreTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_librarystore.moc"

@@ -80,6 +80,13 @@ private Q_SLOTS:
         QCOMPARE(m.bytesOwnedBy(playlist), 600);
         QCOMPARE(m.bytesOwnedBy(u"album:none"_s), 0);
         QCOMPARE(m.totalBytes(), 1500);
+
+        // Sizes from a hostile file stop at the end of the range rather than wrap into nonsense.
+        DownloadManifest huge;
+        for (const QString &id : {u"1"_s, u"2"_s})
+            huge.songs.insert(id, stored(song(id, 1, 1), std::numeric_limits<qint64>::max() / 2 + 1, {album}));
+        QCOMPARE(huge.totalBytes(), std::numeric_limits<qint64>::max());
+        QCOMPARE(huge.bytesOwnedBy(album), std::numeric_limits<qint64>::max());
     }
 
     void songsComeInDiscTrackTitleOrder()
@@ -151,6 +158,8 @@ private Q_SLOTS:
             R"({"songs":{"1":{"song":{"id":"1"},"suffix":"mp3","bytes":5,"owners":[]}},"collections":{}})",
             R"({"songs":{},"collections":{"k":{"key":"k"}}})",
             R"({"songs":{},"collections":{"k":{"key":"k","name":"n","subtitle":3}}})",
+            // A song nobody owns would never be released.
+            R"({"songs":{"1":{"song":{"id":"1","title":"T"},"suffix":"mp3","bytes":5,"owners":[]}},"collections":{}})",
         };
         for (const QByteArray &bytes : unusable) {
             overwrite(bytes);

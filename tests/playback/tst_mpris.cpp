@@ -8,7 +8,11 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
 #include <QProcess>
+#include <QSocketNotifier>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -35,11 +39,11 @@ QString playerctl(const QStringList &arguments)
     return run(u"playerctl"_s, all);
 }
 
-QString busProperty(const QString &name)
+QString busProperty(const QString &name, const QString &interface = u"org.mpris.MediaPlayer2.Player"_s)
 {
     return run(u"gdbus"_s, {u"call"_s, u"--session"_s, u"--dest"_s, u"org.mpris.MediaPlayer2.velto"_s,
                             u"--object-path"_s, u"/org/mpris/MediaPlayer2"_s, u"--method"_s,
-                            u"org.freedesktop.DBus.Properties.Get"_s, u"org.mpris.MediaPlayer2.Player"_s, name});
+                            u"org.freedesktop.DBus.Properties.Get"_s, interface, name});
 }
 
 QList<Song> songsWithTags()
@@ -52,6 +56,43 @@ QList<Song> songsWithTags()
     }
     return songs;
 }
+
+// logind's Inhibit as far as Velto uses it: a lock is the write end of a pipe, released when every copy of it
+// is closed, which the read end sees as its end.
+class LogindStandIn : public QObject
+{
+    Q_OBJECT
+
+public:
+    QStringList asked;
+    bool wasReleased = false;
+
+public Q_SLOTS:
+    QDBusUnixFileDescriptor Inhibit(const QString &what, const QString &, const QString &, const QString &mode)
+    {
+        asked = {what, mode};
+        wasReleased = false;
+        int ends[2];
+        if (::pipe(ends) != 0)
+            return {};
+        auto *watch = new QSocketNotifier(ends[0], QSocketNotifier::Read, this);
+        connect(watch, &QSocketNotifier::activated, this, [this, watch, end = ends[0]] {
+            char byte;
+            if (::read(end, &byte, 1) > 0)
+                return;
+            watch->deleteLater();
+            ::close(end);
+            wasReleased = true;
+            Q_EMIT released();
+        });
+        QDBusUnixFileDescriptor lock(ends[1]); // a copy: ours is closed at once
+        ::close(ends[1]);
+        return lock;
+    }
+
+Q_SIGNALS:
+    void released();
+};
 
 // Collects the PropertiesChanged signals that another client of the bus sees.
 class ChangeWatcher : public QObject
@@ -116,6 +157,10 @@ private Q_SLOTS:
 
         m_player->controller.next();
         QCOMPARE(playerctl({u"metadata"_s, u"--format"_s, u"{{title}}|{{mpris:artUrl}}"_s}), u"Song b|"_s);
+
+        // Desktops find the player's name and icon through its launcher.
+        const QString entry = busProperty(u"DesktopEntry"_s, u"org.mpris.MediaPlayer2"_s).section(u'\'', 1, 1);
+        QVERIFY(QFile::exists(QStringLiteral(VELTO_DATA_DIR) + u'/' + entry + u".desktop"_s));
     }
 
     void changesAreAnnouncedOnTheBus()
@@ -171,29 +216,41 @@ private Q_SLOTS:
         QCOMPARE(m_player->controller.volume(), 0.4F);
     }
 
-    void sleepPausesAndWakingKeepsTheEngineStill()
+    // Velto holds a "delay" lock on sleep, and lets go of it only once the pause has landed; it takes a new
+    // one on waking, when only the engine is paused again.
+    void sleepWaitsForThePauseAndWakingKeepsTheEngineStill()
     {
-        QDBusConnection logind = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"logind"_s);
-        QVERIFY(logind.registerService(u"org.freedesktop.login1"_s));
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"logind"_s);
+        LogindStandIn logind;
+        QVERIFY(bus.registerObject(u"/org/freedesktop/login1"_s, u"org.freedesktop.login1.Manager"_s, &logind,
+                                   QDBusConnection::ExportAllSlots));
+        QVERIFY(bus.registerService(u"org.freedesktop.login1"_s));
         SleepWatcher watcher(&m_player->controller, QDBusConnection::sessionBus());
         QVERIFY(watcher.isWatching());
+        QTRY_VERIFY(watcher.holdsInhibitor());
+        QCOMPARE(logind.asked, (QStringList{u"sleep"_s, u"delay"_s}));
         playTagged();
 
+        bool playingAtRelease = true;
+        connect(&logind, &LogindStandIn::released, this, [&] { playingAtRelease = m_player->controller.isPlaying(); });
         const auto prepare = [&](bool sleeping) {
             QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/login1"_s,
                                                              u"org.freedesktop.login1.Manager"_s,
                                                              u"PrepareForSleep"_s);
             signal << sleeping;
-            logind.send(signal);
+            bus.send(signal);
         };
         prepare(true);
-        QTRY_VERIFY(!m_player->controller.isPlaying());
+        QTRY_VERIFY(logind.wasReleased);
+        QVERIFY(!playingAtRelease);
         QCOMPARE(m_player->current(), u"a"_s);
 
         m_player->engine.clearCalls();
         prepare(false);
         QTRY_COMPARE(m_player->engine.calls(), QStringList{u"pause"_s});
         QVERIFY(!m_player->controller.isPlaying());
+        QTRY_VERIFY(watcher.holdsInhibitor());
+        bus.unregisterService(u"org.freedesktop.login1"_s);
         QDBusConnection::disconnectFromBus(u"logind"_s);
     }
 

@@ -5,6 +5,7 @@
 #include "fakesubsonicserver.h"
 #include "playertesthelpers.h"
 
+#include "playback/mprisplayeradaptor.h"
 #include "playback/mpvaudioengine.h"
 #include "playback/sessionsnapshot.h"
 
@@ -199,6 +200,36 @@ private Q_SLOTS:
 
         player.controller().setOutputDevice(u"null"_s);
         QTRY_COMPARE(player.controller().outputDevice(), u"null"_s);
+    }
+
+    // What the desktop's media controls read at each change of song, a gapless one included: that song's
+    // length (its own until mpv knows the file's, never the last song's) and a position from 0. A restart of
+    // the same song is told as a seek, since nothing else would say that the position went back.
+    void theMediaControlsFollowEachSongAndRestart()
+    {
+        QVERIFY(AudioFixture::ffmpeg({u"-f"_s, u"lavfi"_s, u"-i"_s, u"sine=frequency=300:duration=2"_s, u"-c:a"_s,
+                                      u"flac"_s, m_tone->folder + u"/part9.flac"_s}));
+        RealPlayer player(*m_tone, nextOutputPath());
+        QObject bus;
+        auto *mpris = new MprisPlayerAdaptor(&bus, &player.controller(), {});
+        const auto length = [mpris] { return mpris->metadata().value(u"mpris:length"_s).toLongLong(); };
+        QList<std::pair<qlonglong, qlonglong>> atChange;
+        connect(&player.controller(), &PlayerController::currentSongChanged, this,
+                [&] { atChange.append({length(), mpris->position()}); });
+        QSignalSpy seeked(mpris, &MprisPlayerAdaptor::Seeked);
+
+        player.play(u"0 9"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(length() - 1'000'000) < 50'000, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(player.current(), u"9"_s, 5000);
+        QCOMPARE(atChange.last(), (std::pair<qlonglong, qlonglong>{200'000'000, 0}));
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(length() - 2'000'000) < 50'000, 5000);
+        QCOMPARE(seeked.count(), 0);
+
+        player.controller().setRepeatMode(RepeatMode::One);
+        QTRY_COMPARE_WITH_TIMEOUT(seeked.count(), 1, 5000);
+        QCOMPARE(seeked.first().first().toLongLong(), 0);
+        QCOMPARE(player.current(), u"9"_s);
+        QVERIFY(mpris->position() < 500'000);
     }
 
     void aRestoredSessionWaitsPausedAndResumesAtTheSavedPlace()

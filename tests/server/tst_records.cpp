@@ -64,6 +64,9 @@ private Q_SLOTS:
         QTest::newRow("null track is absent") << R"({"id":"s","title":"t","track":null})"_ba << true;
         QTest::newRow("integral float") << R"({"id":"s","title":"t","duration":212.0})"_ba << true;
         QTest::newRow("huge number") << R"({"id":"s","title":"t","year":1e300})"_ba << false;
+        QTest::newRow("just below 64 bits") << R"({"id":"s","title":"t","year":-9223372036854775809})"_ba << false;
+        QTest::newRow("just above 64 bits") << R"({"id":"s","title":"t","year":9223372036854775808})"_ba << false;
+        QTest::newRow("the 64-bit maximum") << R"({"id":"s","title":"t","year":9223372036854775807})"_ba << true;
     }
 
     void wrongTypesFailEvenWhenOptional()
@@ -140,27 +143,6 @@ private Q_SLOTS:
         QCOMPARE(classify(SubsonicError::invalidResponse()).kind, ConnectionFault::Kind::Other);
         QCOMPARE(ConnectionFault::from(std::make_exception_ptr(42)).kind, ConnectionFault::Kind::Other);
         QCOMPARE(classify(std::runtime_error("boom")), ConnectionFault::other(u"boom"_s));
-    }
-
-    void transportFaults_data()
-    {
-        QTest::addColumn<int>("code");
-        QTest::addColumn<bool>("offline");
-        QTest::newRow("refused") << int(QNetworkReply::ConnectionRefusedError) << true;
-        QTest::newRow("host not found") << int(QNetworkReply::HostNotFoundError) << true;
-        QTest::newRow("timeout") << int(QNetworkReply::TimeoutError) << true;
-        QTest::newRow("connection lost") << int(QNetworkReply::RemoteHostClosedError) << true;
-        QTest::newRow("network down") << int(QNetworkReply::TemporaryNetworkFailureError) << true;
-        QTest::newRow("tls") << int(QNetworkReply::SslHandshakeFailedError) << false;
-        QTest::newRow("redirect loop") << int(QNetworkReply::TooManyRedirectsError) << false;
-    }
-
-    void transportFaults()
-    {
-        QFETCH(int, code);
-        QFETCH(bool, offline);
-        const ConnectionFault fault = classify(TransportError(QNetworkReply::NetworkError(code)));
-        QCOMPARE(fault.kind == ConnectionFault::Kind::Offline, offline);
     }
 
     void failureMessagesAndIdentity()

@@ -101,6 +101,9 @@ private Q_SLOTS:
         using Payloads::AlbumPayload;
         using Payloads::Empty;
         QVERIFY(!decodeFailure<Empty>(R"({"subsonic-response":{"status":"ok"}})"));
+        // Keys the client does not use, odd as they may be, never fail an answer.
+        QVERIFY(!decodeFailure<Empty>(R"({"subsonic-response":{"status":"ok","version":1.16,"type":null,
+                                          "openSubsonic":"yes","serverVersion":{"a":[1]}}})"));
         QCOMPARE(decodeFailure<AlbumPayload>(R"({"subsonic-response":{"status":"ok"}})"),
                  SubsonicError::invalidResponse());
         QCOMPARE(decodeFailure<Empty>(R"({"subsonic-response":{"status":"failed"}})"),

@@ -1,4 +1,8 @@
 #include "../playback/playertesthelpers.h"
+#include "awaittask.h"
+#include "playback/sessionsnapshot.h"
+#include "server/keychain.h"
+#include "shell/veltoapp.h"
 #include "fakesubsonicserver.h"
 #include "library/connectionfault.h"
 #include "library/librarystore.h"
@@ -162,6 +166,31 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(sessionFile));
         QVERIFY(!settings->contains(u"serverURL"_s));
         QVERIFY(!settings->contains(u"username"_s));
+    }
+
+    // The last queue is back as soon as the main view appears, whether or not libmpv has loaded yet, so that a
+    // quit in between keeps it rather than saving an empty player.
+    void aQuitBeforeTheSoundEngineLoadsKeepsTheQueue()
+    {
+        const QString url = u"http://127.0.0.1:9"_s;
+        QSettings().setValue(u"serverURL"_s, url);
+        QSettings().setValue(u"username"_s, u"u"_s);
+        awaitTask(Keychain::save(u"p"_s, u"u@"_s + url));
+        const SessionSnapshot saved{.serverKey = u"u@"_s + url, .queue = makeSongs(u"a b"_s), .currentIndex = 1,
+                                    .currentTime = 42};
+        const QString sessionFile =
+            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velto/session.json"_s;
+        QVERIFY(writeFile(sessionFile, saved.encode()));
+
+        VeltoApp app({.updateFeedURL = {}, .version = QVersionNumber(0, 1)});
+        QTRY_VERIFY(app.appState()->isSignedIn());
+        app.mainViewAppeared();
+        QCOMPARE(currentId(*app.player()), u"b"_s);
+        QCOMPARE(app.player()->currentTime(), 42.0);
+        app.saveState();
+        QFile file(sessionFile);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(SessionSnapshot::decode(file.readAll()), saved);
     }
 
     void theFormMaySendOnlyWhatItCanSend_data()
