@@ -3,6 +3,8 @@
 
 #include "downloadtesthelpers.h"
 
+#include <QNetworkAccessManager>
+
 #include <csignal>
 #include <sys/resource.h>
 
@@ -114,6 +116,19 @@ private Q_SLOTS:
         const QString kept = covers + u'/' + DownloadLayout::coverFileName(u"kept"_s);
         QCOMPARE(fileContent(kept), DownloadRig::coverOf(u"kept"_s));
         QVERIFY(store->isDownloaded(albumKey)); // a missing cover is no failure of the album
+    }
+
+    // Qt's own clock restarts with every byte; a song that trickles in is stopped by the floor rate.
+    void aTricklingSongIsStoppedAsTooSlow()
+    {
+        QNetworkAccessManager impatient;
+        impatient.setTransferTimeout(500);
+        store.reset();
+        store = DownloadStore::create(SubsonicClient(rig->client.config(), &impatient), DownloadLayout(rig->root.path()));
+        rig->scripted.insert(u"s2"_s, FakeResponse{.contentType = "audio/mpeg", .body = audioOf(u"s2"_s), .trickleMs = 50});
+        store->downloadAlbum(testAlbum(u"A"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(!store->isRunning(albumKey), 3000);
+        expectFailedAtTheSecondSong();
     }
 
     void aFullDiskFailsTheSongAndLeavesTheManifestReadable()

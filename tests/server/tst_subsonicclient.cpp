@@ -178,6 +178,13 @@ private Q_SLOTS:
         QVERIFY(timedOut);
         QCOMPARE(timedOut->code, QNetworkReply::TimeoutError);
 
+        // Limits act as soon as they can: an answer that announces more than an answer may be is refused at its
+        // headers, and one that trickles a byte now and then times out though Qt's own clock keeps resetting.
+        server->on(u"ping"_s, FakeResponse{.body = "{", .stallAfterBytes = 0, .announcedLength = 40 * 1024 * 1024});
+        QCOMPARE(awaitFailure<SubsonicError>(client.ping(), 2000), SubsonicError::invalidResponse());
+        server->on(u"ping"_s, FakeResponse{.body = FakeSubsonicServer::ok(), .trickleMs = 100});
+        QCOMPARE(awaitFailure<TransportError>(client.ping(), 2000)->code, QNetworkReply::TimeoutError);
+
         const CancelToken token = CancelToken::create();
         bool cancelled = false;
         bool finished = false;

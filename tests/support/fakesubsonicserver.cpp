@@ -172,7 +172,8 @@ void FakeSubsonicServer::respond(QTcpSocket *socket, const FakeResponse &respons
 {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(response.status) + " Status\r\n";
     head += "Content-Type: " + response.contentType + "\r\n";
-    head += "Content-Length: " + QByteArray::number(response.body.size()) + "\r\n";
+    const qint64 length = response.announcedLength >= 0 ? response.announcedLength : response.body.size();
+    head += "Content-Length: " + QByteArray::number(length) + "\r\n";
     head += "Connection: close\r\n\r\n";
     socket->write(head);
     if (response.dropAfterBytes >= 0) {
@@ -183,6 +184,15 @@ void FakeSubsonicServer::respond(QTcpSocket *socket, const FakeResponse &respons
     }
     if (response.stallAfterBytes >= 0) {
         socket->write(response.body.left(response.stallAfterBytes));
+        return;
+    }
+    if (response.trickleMs > 0) {
+        auto *clock = new QTimer(socket);
+        connect(clock, &QTimer::timeout, socket, [socket, body = response.body, sent = qsizetype(0)]() mutable {
+            if (sent < body.size())
+                socket->write(body.mid(sent++, 1));
+        });
+        clock->start(response.trickleMs);
         return;
     }
     socket->write(response.body);

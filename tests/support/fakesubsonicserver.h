@@ -28,6 +28,10 @@ struct FakeResponse {
     qsizetype stallAfterBytes = -1;
     // Accepts the request and never answers.
     bool hang = false;
+    // The Content-Length sent, when not the body's own.
+    qint64 announcedLength = -1;
+    // Sends the body one byte at a time, this far apart.
+    int trickleMs = 0;
 };
 
 struct RecordedRequest {
