@@ -131,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(!row().isLoading);
         store->ensureHomeRow(AlbumListType::Random);
         QCOMPARE(server->count(u"getAlbumList2"_s), 2);
-        const RecordedRequest &asked = server->requests(u"getAlbumList2"_s).last();
+        const RecordedRequest asked = server->requests(u"getAlbumList2"_s).last();
         QCOMPARE(asked.value(u"type"_s) + asked.value(u"size"_s), u"random20"_s);
     }
 
