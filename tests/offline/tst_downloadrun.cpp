@@ -105,24 +105,33 @@ private Q_SLOTS:
                  (DownloadCollection{playlistKey, u"Mix"_s, std::nullopt}));
     }
 
-    void aRecordWhoseFileWentIsFetchedAgainAndKeepsItsRecord()
+    // The record follows the file written, here under the suffix the server gives now: a later run finds it,
+    // and removal takes it.
+    void aRecordWhoseFileWentIsFetchedAgainUnderItsNewSuffix()
     {
         rig->serveAlbum(u"A"_s, numberedSongs(2));
         store->downloadAlbum(testAlbum(u"A"_s));
         runToEnd(albumKey);
         DownloadedSong expected = store->manifest().songs.value(u"s1"_s);
         QVERIFY(QFile::remove(rig->songFile(u"s1"_s)));
-        Song renamed = testSong(u"s1"_s, 1);
-        renamed.title = u"Renamed on the server"_s;
-        rig->servePlaylist(u"P"_s, {renamed});
+        const Song reencoded = testSong(u"s1"_s, 1, u"flac"_s);
+        rig->servePlaylist(u"P"_s, {reencoded});
         rig->server.clearLog();
 
         store->downloadPlaylist(u"P"_s, u"Mix"_s);
         runToEnd(playlistKey);
         QCOMPARE(rig->requestedSongs(), QStringList{u"s1"_s});
-        QCOMPARE(rig->contentOf(u"s1"_s), audioOf(u"s1"_s));
+        QCOMPARE(rig->contentOf(u"s1"_s, u"flac"_s), audioOf(u"s1"_s));
         expected.owners.insert(playlistKey);
+        expected.suffix = u"flac"_s;
         QCOMPARE(store->manifest().songs.value(u"s1"_s), expected);
+
+        store->downloadPlaylist(u"P"_s, u"Mix"_s);
+        runToEnd(playlistKey);
+        QCOMPARE(rig->requestedSongs(), QStringList{u"s1"_s});
+        store->removeDownload(albumKey);
+        store->removeDownload(playlistKey);
+        QCOMPARE(rig->songsOnDisk({u"s1"_s, u"s2"_s}), QStringList());
     }
 
     void aSongWithoutUsableSuffixIsStoredAsAudio()

@@ -134,6 +134,12 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(sessionPath()));
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(sessionPath()), 1500);
 
+        // A pause keeps the place it paused at.
+        Q_EMIT p->engine.positionTicked(30);
+        p->controller.pause();
+        QTRY_COMPARE_WITH_TIMEOUT(SessionSnapshot::decode(readAll(sessionPath())).value_or(SessionSnapshot{}).currentTime,
+                                  30.0, 1500);
+
         p->controller.stop();
         QTest::qWait(600);
         QVERIFY(QFile::exists(sessionPath()));
