@@ -1,7 +1,7 @@
 #pragma once
 
 // A download store over a fake server and a folder of its own; every song's file is served as bytes made from
-// its id unless a test scripts another answer.
+// its id, and every cover as a small PNG of its own, unless a test scripts another answer.
 
 #include "fakesubsonicserver.h"
 #include "offline/downloadstore.h"
@@ -10,31 +10,22 @@
 #include "offline/offlinefilename.h"
 
 #include <QBuffer>
-#include <QColor>
 #include <QDir>
-#include <QImage>
 #include <QFile>
+#include <QImage>
 #include <QJsonArray>
 #include <QTemporaryDir>
 #include <QTest>
 
-inline const QString albumKey = QStringLiteral("album:A");
-inline const QString playlistKey = QStringLiteral("playlist:P");
+using namespace Qt::StringLiterals;
 
-inline Song testSong(const QString &id, qint64 track, std::optional<QString> suffix = QStringLiteral("mp3"),
-                     std::optional<QString> coverArt = std::nullopt)
+inline const QString albumKey = u"album:A"_s;
+inline const QString playlistKey = u"playlist:P"_s;
+
+inline Song testSong(const QString &id, qint64 track, std::optional<QString> suffix = u"mp3"_s)
 {
-    Song song;
-    song.id = id;
-    song.title = QStringLiteral("Title ") + id;
-    song.album = QStringLiteral("Album");
-    song.artist = QStringLiteral("Artist");
-    song.track = track;
-    song.discNumber = 1;
-    song.duration = 100 + track;
-    song.suffix = std::move(suffix);
-    song.coverArt = std::move(coverArt);
-    return song;
+    return Song{.id = id, .title = u"Title "_s + id, .album = u"Album"_s, .artist = u"Artist"_s, .track = track,
+                .discNumber = 1, .duration = 100 + track, .suffix = std::move(suffix)};
 }
 
 // s1 … sN, tracks in order.
@@ -42,7 +33,7 @@ inline QList<Song> numberedSongs(int count, int first = 1)
 {
     QList<Song> songs;
     for (int i = first; i < first + count; ++i)
-        songs.append(testSong(QStringLiteral("s%1").arg(i), i));
+        songs.append(testSong(u"s%1"_s.arg(i), i));
     return songs;
 }
 
@@ -54,12 +45,6 @@ inline QStringList idsOf(const QList<Song> &songs)
     return ids;
 }
 
-inline QStringList sorted(QStringList list)
-{
-    list.sort();
-    return list;
-}
-
 inline QByteArray fileContent(const QString &path)
 {
     QFile file(path);
@@ -68,13 +53,13 @@ inline QByteArray fileContent(const QString &path)
 
 inline Album testAlbum(const QString &id)
 {
-    return Album{.id = id, .name = QStringLiteral("Album ") + id, .artist = QStringLiteral("Artist")};
+    return Album{.id = id, .name = u"Album "_s + id, .artist = u"Artist"_s};
 }
 
 // Different for every id, a few chunks long.
 inline QByteArray audioOf(const QString &id, qsizetype size = 48 * 1024)
 {
-    QByteArray bytes = id.toUtf8() + ':';
+    const QByteArray bytes = id.toUtf8() + ':';
     return bytes.repeated(size / bytes.size() + 1).left(size);
 }
 
@@ -92,21 +77,27 @@ inline FakeResponse stalledAudio(const QString &id)
 struct DownloadRig {
     QTemporaryDir root;
     FakeSubsonicServer server;
-    SubsonicClient client{ServerConfig{server.baseURL(), QStringLiteral("alice"), QStringLiteral("pw")}};
+    SubsonicClient client{ServerConfig{server.baseURL(), u"alice"_s, u"pw"_s}};
     // Answers of "download" by song id that replace the song's bytes.
     QHash<QString, FakeResponse> scripted;
-    // Answers of "getAlbum" and "getPlaylist", keyed "getAlbum:<id>".
+    // Answers of "getAlbum" and "getPlaylist" by id.
     QHash<QString, FakeResponse> answers;
 
     DownloadRig()
     {
-        server.on(QStringLiteral("download"), [this](const RecordedRequest &request) {
-            const QString id = request.value(QStringLiteral("id"));
+        server.on(u"download"_s, [this](const RecordedRequest &request) {
+            const QString id = request.value(u"id"_s);
             return scripted.value(id, audioAnswer(audioOf(id)));
         });
-        server.on(QStringLiteral("getCoverArt"), [](const RecordedRequest &request) {
-            return FakeResponse{.contentType = "image/png", .body = coverOf(request.value(QStringLiteral("id")))};
+        server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
+            return FakeResponse{.contentType = "image/png", .body = coverOf(request.value(u"id"_s))};
         });
+        for (const QString &endpoint : {u"getAlbum"_s, u"getPlaylist"_s}) {
+            server.on(endpoint, [this](const RecordedRequest &request) {
+                return answers.value(request.endpoint + request.value(u"id"_s),
+                                     FakeResponse{.body = FakeSubsonicServer::failed(70, u"Not found"_s)});
+            });
+        }
     }
 
     [[nodiscard]] std::shared_ptr<DownloadStore> makeStore() const
@@ -127,40 +118,26 @@ struct DownloadRig {
         return bytes;
     }
 
-    void serveAlbum(const QString &id, const QList<Song> &songs)
-    {
-        QJsonObject album{{QStringLiteral("id"), id}, {QStringLiteral("name"), QStringLiteral("Album ") + id}};
-        if (!songs.isEmpty())
-            album.insert(QStringLiteral("song"), songArray(songs));
-        answers.insert(QStringLiteral("getAlbum:") + id, FakeSubsonicServer::json({{QStringLiteral("album"), album}}));
-        routeById(QStringLiteral("getAlbum"));
-    }
-
+    void serveAlbum(const QString &id, const QList<Song> &songs) { serve(u"getAlbum"_s, u"album"_s, u"song"_s, id, songs); }
     void servePlaylist(const QString &id, const QList<Song> &songs)
     {
-        QJsonObject playlist{{QStringLiteral("id"), id}, {QStringLiteral("name"), QStringLiteral("On server")}};
-        if (!songs.isEmpty())
-            playlist.insert(QStringLiteral("entry"), songArray(songs));
-        answers.insert(QStringLiteral("getPlaylist:") + id,
-                       FakeSubsonicServer::json({{QStringLiteral("playlist"), playlist}}));
-        routeById(QStringLiteral("getPlaylist"));
+        serve(u"getPlaylist"_s, u"playlist"_s, u"entry"_s, id, songs);
     }
 
     // Ids of the songs whose files were asked for, in order.
     [[nodiscard]] QStringList requestedSongs() const
     {
         QStringList ids;
-        for (const RecordedRequest &request : server.requests(QStringLiteral("download")))
-            ids.append(request.value(QStringLiteral("id")));
+        for (const RecordedRequest &request : server.requests(u"download"_s))
+            ids.append(request.value(u"id"_s));
         return ids;
     }
 
-    [[nodiscard]] QString songFile(const QString &id, const QString &suffix = QStringLiteral("mp3")) const
+    [[nodiscard]] QString songFile(const QString &id, const QString &suffix = u"mp3"_s) const
     {
         return directory() + u'/' + DownloadLayout::songFileName(id, suffix);
     }
-
-    [[nodiscard]] QByteArray contentOf(const QString &id, const QString &suffix = QStringLiteral("mp3")) const
+    [[nodiscard]] QByteArray contentOf(const QString &id, const QString &suffix = u"mp3"_s) const
     {
         return fileContent(songFile(id, suffix));
     }
@@ -168,8 +145,7 @@ struct DownloadRig {
     [[nodiscard]] QList<qint64> partialFileSizes() const
     {
         QList<qint64> sizes;
-        const QStringList pattern{partialFilePrefix + u'*'};
-        for (const QFileInfo &file : QDir(directory()).entryInfoList(pattern, QDir::Files | QDir::Hidden))
+        for (const QFileInfo &file : QDir(directory()).entryInfoList({partialFilePrefix + u'*'}, QDir::Files | QDir::Hidden))
             sizes.append(file.size());
         return sizes;
     }
@@ -178,40 +154,30 @@ struct DownloadRig {
     // as it stands, so that a stray partial file shows up in a comparison.
     [[nodiscard]] QStringList songsOnDisk(const QStringList &candidates) const
     {
-        QStringList names = QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-        names.removeAll(QStringLiteral("manifest.json"));
-        names.removeAll(QStringLiteral("artwork"));
         QStringList found;
-        for (const QString &name : std::as_const(names)) {
-            QString shown = name;
-            for (const QString &id : candidates) {
-                if (name.startsWith(offlineFileName(id) + u'.'))
-                    shown = id;
-            }
-            found.append(shown);
+        for (const QString &name : QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+            if (name == u"manifest.json"_s || name == u"artwork"_s)
+                continue;
+            const auto id = std::find_if(candidates.cbegin(), candidates.cend(), [&name](const QString &candidate) {
+                return name.startsWith(offlineFileName(candidate) + u'.');
+            });
+            found.append(id == candidates.cend() ? name : *id);
         }
         found.sort();
         return found;
     }
 
 private:
-    static QJsonArray songArray(const QList<Song> &songs)
+    void serve(const QString &endpoint, const QString &key, const QString &listKey, const QString &id,
+               const QList<Song> &songs)
     {
+        QJsonObject record{{u"id"_s, id}, {u"name"_s, key == u"album"_s ? u"Album "_s + id : u"On server"_s}};
         QJsonArray array;
         for (const Song &song : songs)
             array.append(song.toJson());
-        return array;
-    }
-
-    // The fake server keys answers by endpoint; this lets each id of a list endpoint have its own.
-    void routeById(const QString &endpoint)
-    {
-        server.on(endpoint, [this, endpoint](const RecordedRequest &request) {
-            const QString key = endpoint + u':' + request.value(QStringLiteral("id"));
-            if (!answers.contains(key))
-                return FakeResponse{.body = FakeSubsonicServer::failed(70, QStringLiteral("Not found"))};
-            return answers.value(key);
-        });
+        if (!songs.isEmpty())
+            record.insert(listKey, array);
+        answers.insert(endpoint + id, FakeSubsonicServer::json({{key, record}}));
     }
 };
 

@@ -1,13 +1,52 @@
-// A collection's download from start to end: what is fetched and recorded, how a failure leaves it, and how
-// starting again finishes it without fetching twice.
+// A collection's download from start to end: what is fetched and recorded, how a failure leaves it, how starting
+// again finishes it without fetching twice, and the covers kept beside the songs.
 
+#include "artwork/artworkfetcher.h"
 #include "downloadtesthelpers.h"
 
-using namespace Qt::StringLiterals;
+namespace {
+QList<Song> coveredSongs()
+{
+    QList<Song> songs = numberedSongs(4);
+    songs[0].coverArt = u"front"_s;
+    songs[1].coverArt = u"front"_s;
+    songs[2].coverArt = u"back"_s;
+    return songs; // s4 has none
+}
+}
 
 class DownloadRunTest : public DownloadTest
 {
     Q_OBJECT
+
+    [[nodiscard]] QString coverFolder() const { return DownloadLayout::artworkDirectory(rig->directory()); }
+
+    // The covers on disk that hold what the server sent for them.
+    [[nodiscard]] QStringList coversOnDisk() const
+    {
+        QStringList covers;
+        for (const QString &id : {u"front"_s, u"back"_s, u"other"_s}) {
+            if (fileContent(coverFolder() + u'/' + DownloadLayout::coverFileName(id)) == DownloadRig::coverOf(id))
+                covers.append(id);
+        }
+        return covers;
+    }
+
+    [[nodiscard]] QStringList coversAsked() const
+    {
+        QStringList asked;
+        for (const RecordedRequest &request : rig->server.requests(u"getCoverArt"_s))
+            asked.append(request.value(u"id"_s) + u'@' + request.value(u"size"_s));
+        return asked;
+    }
+
+    void restart()
+    {
+        store.reset();
+        rig->server.clearLog();
+        store = rig->makeStore();
+        QTRY_VERIFY(!store->isSweepingArtwork());
+    }
 
 private Q_SLOTS:
     void eachSongIsOnDiskInTheManifestBeforeTheNextTransfer()
@@ -173,6 +212,67 @@ private Q_SLOTS:
         QCOMPARE(store->downloadedCollections().first().key, albumKey);
         QCOMPARE(store->downloadedCollections().last().key, playlistKey);
         QCOMPARE(store->totalBytes(), 3 * audioOf(u"a"_s).size());
+    }
+    // One large file per cover, asked for once, shown by the artwork cache from the account's folder.
+    void eachCoverIsKeptOnceAtTheLargeSize()
+    {
+        QCOMPARE(ArtworkFetcher::shared().offlineDirectory(), std::optional<QString>(coverFolder()));
+        rig->serveAlbum(u"A"_s, coveredSongs());
+        rig->servePlaylist(u"P"_s, coveredSongs().mid(2));
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+        QCOMPARE(coversAsked(), (QStringList{u"front@1024"_s, u"back@1024"_s}));
+        QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"back"_s}));
+        store->downloadPlaylist(u"P"_s, u"Mix"_s);
+        runToEnd(playlistKey);
+        QCOMPARE(coversAsked().size(), 2);
+    }
+
+    // A cover that could not be had is fetched at the next start, once; one whose songs went meanwhile is not kept.
+    void missedCoversAreFetchedAtTheNextStart()
+    {
+        rig->serveAlbum(u"A"_s, coveredSongs());
+        rig->server.on(u"getCoverArt"_s, FakeResponse{.status = 503, .contentType = "text/plain", .body = "busy"});
+        store->downloadAlbum(testAlbum(u"A"_s));
+        runToEnd(albumKey);
+        QVERIFY(store->isDownloaded(albumKey));
+        QCOMPARE(coversOnDisk(), QStringList());
+
+        rig->server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
+            return FakeResponse{.contentType = "image/png", .body = DownloadRig::coverOf(request.value(u"id"_s)),
+                                .delayMs = 100};
+        });
+        restart();
+        QCOMPARE(coversAsked().size(), 2);
+        QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"back"_s}));
+        restart();
+        QCOMPARE(coversAsked(), QStringList());
+
+        QVERIFY(QDir(coverFolder()).removeRecursively());
+        store.reset();
+        store = rig->makeStore();
+        QTRY_VERIFY(!coversAsked().isEmpty());
+        store->removeDownload(albumKey);
+        QTRY_VERIFY(!store->isSweepingArtwork());
+        QVERIFY(QDir(coverFolder()).isEmpty());
+    }
+
+    void aCoverGoesWithTheLastSongThatUsesIt()
+    {
+        QList<Song> playlist = coveredSongs().mid(1, 1); // s2, "front", shared with the album
+        Song own = testSong(u"p1"_s, 9);
+        own.coverArt = u"other"_s;
+        playlist.append(own);
+        rig->serveAlbum(u"A"_s, coveredSongs());
+        rig->servePlaylist(u"P"_s, playlist);
+        store->downloadAlbum(testAlbum(u"A"_s));
+        store->downloadPlaylist(u"P"_s, u"Mix"_s);
+        QTRY_VERIFY(store->runningKeys().isEmpty());
+        QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"back"_s, u"other"_s}));
+        store->removeDownload(albumKey);
+        QCOMPARE(coversOnDisk(), (QStringList{u"front"_s, u"other"_s}));
+        store->removeDownload(playlistKey);
+        QVERIFY(QDir(coverFolder()).isEmpty());
     }
 };
 

@@ -3,7 +3,6 @@
 #include "server/json.h"
 #include "server/records.h"
 #include "server/subsonicerror.h"
-#include "server/transporterror.h"
 
 #include <QJsonDocument>
 #include <QTest>
@@ -94,39 +93,17 @@ private Q_SLOTS:
         QVERIFY(!nothing.artist && !nothing.album && !nothing.song);
     }
 
-    void equalityAndHashCoverEveryField()
-    {
-        Song a{.id = u"1"_s, .title = u"t"_s, .year = 2000};
-        Song b = a;
-        QCOMPARE(qHash(a), qHash(b));
-        b.year = 2001;
-        QVERIFY(a != b);
-        QVERIFY(qHash(a) != qHash(b));
-        Album listed{.id = u"a"_s, .name = u"n"_s};
-        Album detailed = listed;
-        detailed.song = QList<Song>{a};
-        QVERIFY(listed != detailed);
-    }
-
-    void namesAndFormats()
+    // The formats the screens show, with "--:--" for every length that cannot be one.
+    void formats()
     {
         QCOMPARE((Album{.id = u"1"_s, .name = u"B"_s, .artist = u"A"_s}).dragText(), u"A – B"_s);
-        QCOMPARE((Album{.id = u"1"_s, .name = u"B"_s}).dragText(), u"B"_s);
-        QCOMPARE(albumListTypeName(AlbumListType::AlphabeticalByArtist), u"alphabeticalByArtist"_s);
-        QCOMPARE(albumListTypeFromName(u"highest"), AlbumListType::Highest);
-        QCOMPARE(albumListTypeFromName(u"Newest"), std::nullopt);
-
-        QCOMPARE(Format::time(0), u"0:00"_s);
         QCOMPARE(Format::time(59.5), u"1:00"_s);
         QCOMPARE(Format::time(3725), u"1:02:05"_s);
         QCOMPARE(Format::paddedTime(65), u"01:05"_s);
-        QCOMPARE(Format::paddedTime(3725), u"1:02:05"_s);
         QCOMPARE(Format::paddedDuration(0), u"00:00"_s);
-        QCOMPARE(Format::paddedDuration(3725), u"1:02:05"_s);
-        QCOMPARE(Format::time(qQNaN()), u"--:--"_s);
-        QCOMPARE(Format::time(qInf()), u"--:--"_s);
-        QCOMPARE(Format::time(-1), u"--:--"_s);
         QCOMPARE(Format::time(-0.4), u"0:00"_s);
+        for (const double unusable : {qQNaN(), qInf(), -1.0, 1e300})
+            QCOMPARE(Format::time(unusable), u"--:--"_s);
         QCOMPARE(Format::paddedDuration(std::nullopt), u"--:--"_s);
         QCOMPARE(Format::paddedDuration(-3), u"--:--"_s);
     }
@@ -145,7 +122,7 @@ private Q_SLOTS:
         QCOMPARE(classify(std::runtime_error("boom")), ConnectionFault::other(u"boom"_s));
     }
 
-    void failureMessagesAndIdentity()
+    void failureMessages()
     {
         StoreFailure failure{.action = u"update your likes"_s, .fault = ConnectionFault::offline()};
         QCOMPARE(failure.message(), u"Couldn't update your likes — can't reach your server"_s);
@@ -155,11 +132,6 @@ private Q_SLOTS:
         QCOMPARE(failure.message(), u"Couldn't save the new order — wrong thing"_s);
         failure.fault = ConnectionFault::other(QString());
         QCOMPARE(failure.message(), u"Couldn't save the new order — "_s);
-
-        const StoreFailure a{.action = u"x"_s, .fault = ConnectionFault::offline()};
-        QVERIFY((a != StoreFailure{.action = u"x"_s, .fault = ConnectionFault::offline()}));
-        QVERIFY(a == StoreFailure(a));
-        QVERIFY(ServerReachability::failing(ConnectionFault::offline()) != ServerReachability::ok());
     }
 };
 
