@@ -1,5 +1,5 @@
 // Album, artist and playlist details: served from the cache when held, fetched and kept otherwise. They leave
-// the reachability alone and throw their failures to the caller. A screen that closes cancels its fetch.
+// the reachability alone and throw their failures to the caller, and a caller that goes may cancel its fetch.
 
 #include "librarystore.h"
 

@@ -135,7 +135,7 @@ QCoro::Task<> LibraryStore::loadSongs(CancelToken token)
         if (!page)
             co_return;
         if (!page->value) {
-                    setSongsError(page->error);
+            setSongsError(page->error);
             setSongsLoaded(true);
             co_return;
         }

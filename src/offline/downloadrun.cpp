@@ -91,8 +91,9 @@ void DownloadStore::abandon(const Run &run)
 QCoro::Task<> DownloadStore::runAlbumDownload(Album album, Run run)
 {
     std::optional<Album> full;
+    const SubsonicClient client = m_client;
     try {
-        full = co_await m_client.album(album.id, run.token);
+        full = co_await client.album(album.id, run.token);
     } catch (...) {
     }
     if (!full) {
@@ -109,8 +110,9 @@ QCoro::Task<> DownloadStore::runAlbumDownload(Album album, Run run)
 QCoro::Task<> DownloadStore::runPlaylistDownload(QString id, QString name, Run run)
 {
     std::optional<PlaylistDetail> playlist;
+    const SubsonicClient client = m_client;
     try {
-        playlist = co_await m_client.playlist(id, run.token);
+        playlist = co_await client.playlist(id, run.token);
     } catch (...) {
     }
     if (!playlist) {
@@ -195,28 +197,24 @@ QCoro::Task<> DownloadStore::downloadSongs(QList<Song> songs, DownloadCollection
 }
 
 namespace {
-// A song whose record states its size may come within a quarter of it either way; the ceiling of its transfer
-// is just past that. Without a size, nothing longer than hours of lossless audio is taken for a song, so an
-// answer that never ends cannot fill the disk.
+// A record's size is the original file's, and a server may send a song transcoded, smaller: only a body far
+// below it (an error page, a cut-off transfer) is refused. The transfer's ceiling is twice the size; without
+// one, nothing longer than hours of lossless audio is a song, so an answer that never ends cannot fill the disk.
 constexpr qint64 unknownSizeCeiling = 2LL * 1024 * 1024 * 1024;
 
-qint64 sizeSlack(qint64 size)
+bool statesUsableSize(const Song &song)
 {
-    return size / 4 + 64 * 1024;
+    return song.size && *song.size > 0 && *song.size <= unknownSizeCeiling;
 }
 
 qint64 ceilingFor(const Song &song)
 {
-    if (!song.size || *song.size <= 0 || *song.size > unknownSizeCeiling)
-        return unknownSizeCeiling;
-    return *song.size + sizeSlack(*song.size);
+    return statesUsableSize(song) ? 2 * *song.size + 1024 * 1024 : unknownSizeCeiling;
 }
 
 bool fitsStatedSize(const Song &song, qint64 received)
 {
-    if (!song.size || *song.size <= 0 || *song.size > unknownSizeCeiling)
-        return true;
-    return std::abs(received - *song.size) <= sizeSlack(*song.size);
+    return !statesUsableSize(song) || received >= *song.size / 16;
 }
 }
 

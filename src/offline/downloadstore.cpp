@@ -10,7 +10,8 @@
 #include <QDir>
 #include <QJSEngine>
 #include <QNetworkAccessManager>
-#include <QtConcurrent>
+#include <QPromise>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <tuple>
@@ -31,6 +32,26 @@ QThreadPool *manifestWriter()
     }();
     return pool;
 }
+
+// Runs `work` on the manifest's worker, after everything queued there before it. Not QtConcurrent::run: waiting
+// for one of its futures may take the job out of the queue and run it at once on the waiting thread, ahead of
+// the writes queued before it. A promise's future has no job to take.
+template<typename Work>
+auto onManifestWorker(Work work) -> QFuture<decltype(work())>
+{
+    using Result = decltype(work());
+    auto promise = std::make_shared<QPromise<Result>>();
+    promise->start();
+    QFuture<Result> future = promise->future();
+    manifestWriter()->start([promise, work = std::move(work)]() mutable {
+        if constexpr (std::is_void_v<Result>)
+            work();
+        else
+            promise->addResult(work());
+        promise->finish();
+    });
+    return future;
+}
 }
 
 std::shared_ptr<DownloadStore> DownloadStore::create(SubsonicClient client, const DownloadLayout &layout)
@@ -38,6 +59,7 @@ std::shared_ptr<DownloadStore> DownloadStore::create(SubsonicClient client, cons
     // One living store per folder: a second one would delete the first one's partial files and overwrite its
     // manifest. Signing in again while a download of the same account still runs takes that store up again.
     static QHash<QString, std::weak_ptr<DownloadStore>> living;
+    living.removeIf([](const auto &entry) { return entry.value().expired(); });
     const QString directory = layout.directory(client.config());
     if (const std::shared_ptr<DownloadStore> running = living.value(directory).lock()) {
         running->m_client = std::move(client);
@@ -71,7 +93,7 @@ DownloadStore::DownloadStore(SubsonicClient client, QString directory)
 // The sweep for missed covers follows it.
 void DownloadStore::startLoading()
 {
-    m_loading = QtConcurrent::run(manifestWriter(), [directory = m_directory, artwork = artworkDirectory()] {
+    m_loading = onManifestWorker([directory = m_directory, artwork = artworkDirectory()] {
         QDir().mkpath(artwork);
         removePartialFiles(directory);
         return loadManifest(directory);
@@ -223,7 +245,7 @@ void DownloadStore::flushWrites()
 // Best effort: a failed write leaves the old file whole, and the next change writes again.
 void DownloadStore::save()
 {
-    m_lastSave = QtConcurrent::run(manifestWriter(), [snapshot = manifest(), directory = m_directory] {
+    m_lastSave = onManifestWorker([snapshot = manifest(), directory = m_directory] {
         saveManifest(snapshot, directory);
     });
 }

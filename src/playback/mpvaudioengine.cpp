@@ -102,9 +102,7 @@ void MpvAudioEngine::createMpv()
         std::setlocale(LC_NUMERIC, "C");
     m_mpv = m_library ? m_library->create() : nullptr;
     if (!m_mpv) {
-        // Nothing will sound, but the rest of Velto works: browsing, downloads, the queue.
-        m_unavailable = true;
-        qWarning("Velto cannot play audio: libmpv could not be started");
+        becomeUnavailable();
         return;
     }
     const MpvLibrary &lib = *m_library;
@@ -119,8 +117,7 @@ void MpvAudioEngine::createMpv()
     if (lib.initialize(m_mpv) < 0) {
         lib.terminateDestroy(m_mpv);
         m_mpv = nullptr;
-        m_unavailable = true;
-        qWarning("Velto cannot play audio: libmpv could not be started");
+        becomeUnavailable();
         return;
     }
 
@@ -141,11 +138,25 @@ void MpvAudioEngine::createMpv()
         applyVolume(*m_volume);
     if (!m_outputDevice.isEmpty())
         lib.setPropertyString(m_mpv, "audio-device", m_outputDevice.toUtf8().constData());
-    // What was asked for while mpv was away, in the order it was asked.
+    // What was asked for while mpv was away, in the order it was asked. A current item mpv refuses stays, silent,
+    // as one whose file would not open; a refused waiting item is dropped.
     applyPause();
     for (Entry &entry : m_entries)
         loadIntoMpv(entry);
+    if (!m_entries.isEmpty() && !m_entries.first().mpvId)
+        m_currentFailed = true;
+    if (m_entries.size() > 1 && !m_entries.last().mpvId)
+        m_entries.removeLast();
     m_tick.start();
+}
+
+// Nothing will sound, but the rest of Velto works: browsing, downloads, the queue. Items already handed over
+// stay current and silent, like a song whose file would not open.
+void MpvAudioEngine::becomeUnavailable()
+{
+    m_unavailable = true;
+    m_currentFailed = !m_entries.isEmpty();
+    qWarning("Velto cannot play audio: libmpv could not be started");
 }
 
 QList<EngineItemId> MpvAudioEngine::items() const

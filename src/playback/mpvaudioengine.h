@@ -63,6 +63,7 @@ private:
     };
 
     void createMpv();
+    void becomeUnavailable();
     void loadIntoMpv(Entry &entry);
     void applyVolume(float volume);
     void applyPause();

@@ -1,9 +1,9 @@
 #include "keychain.h"
 
-#include <QCoreApplication>
 #include <QCoroSignal>
-#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QStringDecoder>
+#include <QTimer>
 
 #include <qt6keychain/keychain.h>
 
@@ -70,9 +70,18 @@ QCoro::Task<> deletePassword(QString account)
 
 void waitForPendingJobs(std::chrono::milliseconds timeout)
 {
-    const QDeadlineTimer deadline(timeout);
-    while (pendingJobs > 0 && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    if (pendingJobs == 0)
+        return;
+    // Looks now and then rather than spinning: the jobs end on the event loop's own time.
+    QEventLoop loop;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&loop] {
+        if (pendingJobs == 0)
+            loop.quit();
+    });
+    look.start(20);
+    QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 }

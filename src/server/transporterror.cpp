@@ -15,7 +15,7 @@ QString TransportError::description() const
     case QNetworkReply::TemporaryNetworkFailureError:
         return QStringLiteral("The Internet connection appears to be offline.");
     case QNetworkReply::UnknownNetworkError:
-        return QStringLiteral("The server's network cannot be reached.");
+        return QStringLiteral("The network is unreachable.");
     case QNetworkReply::SslHandshakeFailedError:
         return QStringLiteral("An SSL error has occurred and a secure connection to the server cannot be made.");
     case QNetworkReply::TooManyRedirectsError:

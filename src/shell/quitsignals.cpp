@@ -10,17 +10,20 @@
 namespace {
 int signalSockets[2] = {-1, -1};
 
-void onQuitSignal(int)
+// The first signal asks for the orderly quit; a second one, should that quit hang, ends the process as usual.
+void onQuitSignal(int signal)
 {
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(signalSockets[0], &byte, 1);
+    std::signal(signal, SIG_DFL);
 }
 }
 
 QuitSignals::QuitSignals(QObject *parent)
     : QObject(parent)
 {
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalSockets) != 0)
+    // Non-blocking, so that the handler can never wait on a full socket.
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, signalSockets) != 0)
         return;
     m_notifier = new QSocketNotifier(signalSockets[1], QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, [] {

@@ -64,18 +64,20 @@ void VeltoApp::mainViewAppeared()
     m_player->restoreSession(*client);
 }
 
-// libmpv loads on a worker once the first frame is up, so that the outputs are known before anything plays.
+// libmpv loads on a worker, at the latest once the first frame is up (a restored queue asks for it earlier), so
+// that the outputs are known before anything plays.
 void VeltoApp::windowShown()
 {
     m_engine->start();
 }
 
-// Synchronous on purpose: nothing asynchronous runs once the event loop has stopped.
+// The keyring is waited for first, since that wait runs the event loop; from then on everything is synchronous,
+// so that nothing can change after it has been written.
 void VeltoApp::saveState()
 {
+    Keychain::waitForPendingJobs(keychainGraceMs);
     m_player->saveSession();
     m_player->flushVolume();
     DownloadStore::flushWrites();
-    Keychain::waitForPendingJobs(keychainGraceMs);
     m_settings.sync();
 }

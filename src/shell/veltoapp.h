@@ -53,9 +53,11 @@ public:
     Q_INVOKABLE void mainViewAppeared();
     // The main window's first frame is on screen: time for the work that would have delayed it.
     void windowShown();
-    // Writes at once what a restart must find: the playing session, the volume, the downloads' manifest, the
-    // keyring's items and the settings. At quit, and when the desktop session asks before it ends.
+    // Writes at once what a restart must find: the keyring's items, the playing session, the volume, the
+    // downloads' manifest and the settings. At quit, and when the desktop session asks before it ends.
     void saveState();
+
+private:
 
     QSettings m_settings;
     std::unique_ptr<AppState> m_appState;

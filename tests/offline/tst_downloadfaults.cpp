@@ -65,37 +65,48 @@ private Q_SLOTS:
         QCOMPARE(rig->requestedSongs(), (QStringList{u"s1"_s, u"s2"_s}));
     }
 
-    // Answers with a success status that are no song: each fails s2 and nothing of it is kept.
-    void aSuccessThatCarriesNoSongFailsIt_data()
+    // Answers with a success status that are no song fail it, and nothing of them is kept; a song's own bytes
+    // are kept whatever their type says.
+    void aSuccessIsASongOnlyWhenItCarriesOne_data()
     {
         const QByteArray error = FakeSubsonicServer::failed(70, u"Song not found"_s);
         QTest::addColumn<FakeResponse>("answer");
-        QTest::newRow("json") << FakeResponse{.contentType = "application/json", .body = error};
-        QTest::newRow("xml dialect") << FakeResponse{.contentType = "Application/problem+XML; charset=UTF-8",
-                                                     .body = "<error/>"};
-        QTest::newRow("error as audio") << FakeResponse{.contentType = "audio/flac", .body = error};
-        QTest::newRow("error as text") << FakeResponse{.contentType = "text/plain", .body = " \n" + error};
-        QTest::newRow("error untyped") << FakeResponse{.contentType = {}, .body = error};
-        QTest::newRow("html page") << FakeResponse{.contentType = "application/octet-stream",
-                                                   .body = "<!DOCTYPE html><p>Bad gateway"};
-        QTest::newRow("no content") << FakeResponse{.status = 204, .contentType = {}};
-        QTest::newRow("empty") << FakeResponse{.contentType = "audio/mpeg"};
-        QTest::newRow("unasked part") << FakeResponse{.status = 206, .contentType = "audio/mpeg",
-                                                      .body = audioOf(u"s2"_s)};
-        QTest::newRow("far under its size") << audioAnswer(audioOf(u"s2"_s));
-        QTest::newRow("far over its size") << audioAnswer(audioOf(u"s2"_s, 2 * 1024 * 1024));
+        QTest::addColumn<qint64>("statedSize"); // 0: none
+        QTest::addColumn<bool>("kept");
+        const auto row = [](const char *name, FakeResponse answer, qint64 size = 0, bool kept = false) {
+            QTest::newRow(name) << answer << size << kept;
+        };
+        row("json", FakeResponse{.contentType = "application/json", .body = error});
+        row("xml dialect", FakeResponse{.contentType = "Application/problem+XML; charset=UTF-8", .body = "<error/>"});
+        row("error as audio", FakeResponse{.contentType = "audio/flac", .body = error});
+        row("error as text", FakeResponse{.contentType = "text/plain", .body = " \n" + error});
+        row("error untyped", FakeResponse{.contentType = {}, .body = error});
+        row("html page", FakeResponse{.contentType = "application/octet-stream", .body = "<!DOCTYPE html><p>Bad"});
+        row("no content", FakeResponse{.status = 204, .contentType = {}});
+        row("empty", FakeResponse{.contentType = "audio/mpeg"});
+        row("unasked part", FakeResponse{.status = 206, .contentType = "audio/mpeg", .body = audioOf(u"s2"_s)});
+        row("far under its size", audioAnswer(audioOf(u"s2"_s)), 1024 * 1024);
+        row("far over its size", audioAnswer(audioOf(u"s2"_s, 4 * 1024 * 1024)), 1024 * 1024);
+        row("untyped song", FakeResponse{.contentType = {}, .body = audioOf(u"s2"_s)}, 0, true);
+        row("transcoded smaller", audioAnswer(audioOf(u"s2"_s)), 200 * 1024, true);
     }
 
-    void aSuccessThatCarriesNoSongFailsIt()
+    void aSuccessIsASongOnlyWhenItCarriesOne()
     {
         QFETCH(FakeResponse, answer);
+        QFETCH(qint64, statedSize);
+        QFETCH(bool, kept);
         QList<Song> songs = numberedSongs(3);
-        songs[1].size = 1024 * 1024;
+        if (statedSize > 0)
+            songs[1].size = statedSize;
         rig->serveAlbum(u"A"_s, songs);
         rig->scripted.insert(u"s2"_s, answer);
         store->downloadAlbum(testAlbum(u"A"_s));
         runToEnd(albumKey);
-        expectFailedAtTheSecondSong();
+        if (kept)
+            QCOMPARE(rig->contentOf(u"s2"_s), answer.body);
+        else
+            expectFailedAtTheSecondSong();
     }
 
     // Only bytes that decode as an image are kept: a file that exists is never fetched again.

@@ -6,6 +6,7 @@
 #include "playback/mprisservice.h"
 #include "playback/sleepwatcher.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
@@ -174,6 +175,11 @@ private Q_SLOTS:
         QTRY_COMPARE(watcher.seen.value(u"PlaybackStatus"_s).toString(), u"Paused"_s);
         m_player->controller.setVolume(0.25F);
         QTRY_COMPARE(watcher.seen.value(u"Volume"_s).toDouble(), 0.25);
+        // The length mpv finds in the file, once it knows it.
+        m_player->engine.duration = 187.5;
+        Q_EMIT m_player->engine.durationChanged();
+        QTRY_COMPARE(qdbus_cast<QVariantMap>(watcher.seen.value(u"Metadata"_s)).value(u"mpris:length"_s).toLongLong(),
+                     187'500'000);
         QDBusConnection::disconnectFromBus(u"watcher"_s);
     }
 

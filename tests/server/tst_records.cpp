@@ -3,6 +3,7 @@
 #include "server/json.h"
 #include "server/records.h"
 #include "server/subsonicerror.h"
+#include "server/transporterror.h"
 
 #include <QJsonDocument>
 #include <QTest>
@@ -120,6 +121,18 @@ private Q_SLOTS:
         QCOMPARE(classify(SubsonicError::invalidResponse()).kind, ConnectionFault::Kind::Other);
         QCOMPARE(ConnectionFault::from(std::make_exception_ptr(42)).kind, ConnectionFault::Kind::Other);
         QCOMPARE(classify(std::runtime_error("boom")), ConnectionFault::other(u"boom"_s));
+    }
+
+    // The network layer's own failures: the ones that mean the server is out of reach, and some that do not.
+    void transportFaults()
+    {
+        using Code = QNetworkReply::NetworkError;
+        for (const Code offline : {Code::ConnectionRefusedError, Code::HostNotFoundError, Code::TimeoutError,
+                                   Code::RemoteHostClosedError, Code::TemporaryNetworkFailureError,
+                                   Code::UnknownNetworkError})
+            QCOMPARE(classify(TransportError(offline)), ConnectionFault::offline());
+        for (const Code other : {Code::SslHandshakeFailedError, Code::TooManyRedirectsError})
+            QCOMPARE(classify(TransportError(other)).kind, ConnectionFault::Kind::Other);
     }
 
     void failureMessages()

@@ -187,6 +187,7 @@ private Q_SLOTS:
         app.mainViewAppeared();
         QCOMPARE(currentId(*app.player()), u"b"_s);
         QCOMPARE(app.player()->currentTime(), 42.0);
+        QVERIFY(QFile::remove(sessionFile));
         app.saveState();
         QFile file(sessionFile);
         QVERIFY(file.open(QIODevice::ReadOnly));
