@@ -59,42 +59,32 @@ class ArtworkStoreTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // The least recently used image goes first; an image larger than the whole cache is not kept.
     void memoryIsBoundedByImageBytes()
     {
-        QCOMPARE(ArtworkStore::memory().maxBytes(), 256 * 1024 * 1024);
-
         const qsizetype cost = ImageMemoryCache::cost(square(64));
         QCOMPARE(cost, 64 * 64 * 4);
         ImageMemoryCache cache(2 * cost);
         cache.insert(u"a#64"_s, square(64));
         cache.insert(u"b#64"_s, square(64));
-        QCOMPARE(cache.totalBytes(), 2 * cost);
-        // Reading "a" makes "b" the least recently used, so the third image pushes "b" out.
         QVERIFY(cache.image(u"a#64"_s));
         cache.insert(u"c#64"_s, square(64));
-        QVERIFY(cache.image(u"a#64"_s));
         QCOMPARE(cache.image(u"b#64"_s), std::nullopt);
-        QVERIFY(cache.image(u"c#64"_s));
+        QVERIFY(cache.image(u"a#64"_s) && cache.image(u"c#64"_s));
         QCOMPARE(cache.totalBytes(), 2 * cost);
-
         cache.insert(u"huge#1024"_s, square(128));
         QCOMPARE(cache.image(u"huge#1024"_s), std::nullopt);
-        QCOMPARE(cache.image(u"a#64"_s)->size(), QSize(64, 64));
+        QVERIFY(cache.image(u"a#64"_s));
     }
 
     void viewSizesRoundUpToBuckets()
     {
-        QCOMPARE(ArtworkSize::pixelSize(44), 128);
-        QCOMPARE(ArtworkSize::pixelSize(32), 64);
-        QCOMPARE(ArtworkSize::pixelSize(32.4), 64);
-        QCOMPARE(ArtworkSize::pixelSize(32.6), 128); // 65.2 pixels, truncated to 65
-        QCOMPARE(ArtworkSize::pixelSize(256), 512);
-        QCOMPARE(ArtworkSize::pixelSize(512), 1024);
-        QCOMPARE(ArtworkSize::pixelSize(5000), 1024);
-        QCOMPARE(ArtworkSize::pixelSize(0), 64);
-        // A screen denser than two pixels a point asks for more; a lower one never for less.
-        QCOMPARE(ArtworkSize::pixelSize(44, 3.0), 256);
-        QCOMPARE(ArtworkSize::pixelSize(44, 1.0), 128);
+        const QList<std::tuple<double, double, int>> cases{
+            {44, 2, 128}, {32, 2, 64}, {32.4, 2, 64}, {32.6, 2, 128}, {256, 2, 512}, {5000, 2, 1024}, {0, 2, 64},
+            // A screen denser than two pixels a point asks for more; a lower one never for less.
+            {44, 3, 256}, {44, 1, 128}};
+        for (const auto &[points, density, pixels] : cases)
+            QCOMPARE(ArtworkSize::pixelSize(points, density), pixels);
     }
 
     void collectionsShowOneCoverPerAlbum()
@@ -116,40 +106,44 @@ private Q_SLOTS:
         QCOMPARE(albumCovers({}), QStringList());
     }
 
-    void transparentCoverHasNoPalette()
+    void transparentCoversHaveNoPaletteAndHalfTransparentPixelsDarkenOnlyTheMean()
     {
         QCOMPARE(extract(filled(64, Qt::transparent)), std::nullopt);
         QCOMPARE(extract(QImage()), std::nullopt);
-        // Alpha must be above one half: 127 of 255 is not, 128 is.
+        // Alpha must be above one half: 127 of 255 is not, 128 is; premultiplied values are used as they stand.
         QCOMPARE(extract(filled(64, QColor(255, 0, 0, 127))), std::nullopt);
-        const std::optional<AlbumPalette> half = extract(filled(64, QColor(255, 0, 0, 128)));
-        QVERIFY(half);
-        // Premultiplied values are used as they stand.
-        QCOMPARE(half->accent.rgb(), qRgb(128, 0, 0));
+        QCOMPARE(extract(filled(64, QColor(255, 0, 0, 128)))->accent.rgb(), qRgb(128, 0, 0));
+
+        QImage cover = filled(64, Qt::transparent);
+        QPainter(&cover).fillRect(0, 0, 32, 64, QColor(0, 200, 0));
+        const std::optional<AlbumPalette> palette = extract(cover);
+        QCOMPARE(palette->accent.rgb(), qRgb(0, 200, 0));
+        QVERIFY(near(palette->backdropMean.g, 100 / 255.0));
+        QCOMPARE(palette->backdropMean.r, 0.0);
     }
 
-    void pureRed()
+    void pureRedAndNavy()
     {
-        const std::optional<AlbumPalette> palette = extract(filled(64, Qt::red));
-        QVERIFY(palette);
-        QCOMPARE(palette->accent, QColor::fromRgbF(1, 0, 0));
-        QCOMPARE(palette->backdropMean, (RGB{1, 0, 0}));
-        verifyHSB(palette->fill, 0, 1, 0.95);
-        QCOMPARE(palette->label, black); // red at 0.95 reads better with black (4.78) than white (4.39)
+        const std::optional<AlbumPalette> red = extract(filled(64, Qt::red));
+        QCOMPARE(red->accent, QColor::fromRgbF(1, 0, 0));
+        QCOMPARE(red->backdropMean, (RGB{1, 0, 0}));
+        verifyHSB(red->fill, 0, 1, 0.95);
+        QCOMPARE(red->label, black); // red at 0.95 reads better with black (4.78) than white (4.39)
         // Saturation drops to 0.7 and brightness is already 1, so the loop cannot reach 7 and leaves it there.
-        QCOMPARE(palette->tint, QColor::fromRgbF(1, 0.3f, 0.3f));
+        QCOMPARE(red->tint, QColor::fromRgbF(1, 0.3f, 0.3f));
+
+        // Navy cannot reach 7:1 at this saturation, so it ends at full brightness, its hue kept.
+        const HSB tint = hsb(rgb(extract(filled(64, QColor(0, 0, 128)))->tint));
+        QVERIFY(near(tint.h, 2.0 / 3) && near(tint.s, 0.7) && near(tint.v, 1.0));
+        QCOMPARE(luminance({0.11, 0.11, 0.12}), darkSurfaceLuminance);
     }
 
     void greyCoversGetReddishButtonsOnPurpose()
     {
-        const QList<QImage> covers{filled(64, QColor(128, 128, 128)), [] {
-                                       QImage image = filled(64, Qt::white);
-                                       QPainter(&image).fillRect(0, 0, 32, 64, Qt::black);
-                                       return image;
-                                   }()};
-        for (const QImage &cover : covers) {
+        QImage halves = filled(64, Qt::white);
+        QPainter(&halves).fillRect(0, 0, 32, 64, Qt::black);
+        for (const QImage &cover : {filled(64, QColor(128, 128, 128)), halves}) {
             const std::optional<AlbumPalette> palette = extract(cover);
-            QVERIFY(palette);
             const RGB mean = palette->backdropMean;
             QVERIFY(mean.r == mean.g && mean.g == mean.b);
             verifyHSB(palette->accent, 0, 0, mean.r);
@@ -169,30 +163,7 @@ private Q_SLOTS:
         // near-white, which is why even pure red reaches the accent only through the mean.
         painter.fillRect(96, 16, 48, 48, QColor(20, 110, 230));
         painter.end();
-        const std::optional<AlbumPalette> palette = extract(cover);
-        QVERIFY(palette);
-        QCOMPARE(palette->accent.rgb(), qRgb(20, 110, 230));
-    }
-
-    void halfTransparentPixelsDarkenOnlyTheMean()
-    {
-        QImage cover = filled(64, Qt::transparent);
-        QPainter(&cover).fillRect(0, 0, 32, 64, QColor(0, 200, 0));
-        const std::optional<AlbumPalette> palette = extract(cover);
-        QVERIFY(palette);
-        QCOMPARE(palette->accent.rgb(), qRgb(0, 200, 0));
-        QVERIFY(near(palette->backdropMean.g, 100 / 255.0));
-        QCOMPARE(palette->backdropMean.r, 0.0);
-    }
-
-    void navyTintKeepsItsHueAndBrightens()
-    {
-        const std::optional<AlbumPalette> palette = extract(filled(64, QColor(0, 0, 128)));
-        QVERIFY(palette);
-        QCOMPARE(luminance({0.11, 0.11, 0.12}), darkSurfaceLuminance);
-        const HSB tint = hsb(rgb(palette->tint));
-        // Navy cannot reach 7:1 at this saturation, so it ends at full brightness.
-        QVERIFY(near(tint.h, 2.0 / 3) && near(tint.s, 0.7) && near(tint.v, 1.0));
+        QCOMPARE(extract(cover)->accent.rgb(), qRgb(20, 110, 230));
     }
 
     void buttonAndTintRulesHoldForEveryColour()
@@ -230,16 +201,6 @@ private Q_SLOTS:
         QVERIFY(palette({0.9, 0.6, 0.3}).scrimOpacity(0.8) == 0.38 + 0.01 + 0.01 + 0.01 + 0.01 + 0.01);
     }
 
-    void cacheByCoverId()
-    {
-        QCOMPARE(cached(u"never-seen"_s), std::nullopt);
-        const AlbumPalette red = *extract(filled(16, Qt::red));
-        const AlbumPalette blue = *extract(filled(16, Qt::blue));
-        store(u"al-1"_s, red);
-        QCOMPARE(cached(u"al-1"_s), red);
-        store(u"al-1"_s, blue);
-        QCOMPARE(cached(u"al-1"_s), blue);
-    }
 };
 
 QTEST_MAIN(ArtworkStoreTest)
