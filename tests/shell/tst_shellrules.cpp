@@ -46,46 +46,18 @@ class ShellRulesTest : public QObject
     };
 
 private Q_SLOTS:
-    void localHosts_data()
-    {
-        QTest::addColumn<std::optional<QString>>("host");
-        QTest::addColumn<bool>("local");
-        const auto row = [](const char *name, std::optional<QString> host, bool local) {
-            QTest::newRow(name) << host << local;
-        };
-        row("mDNS name, any case", u"NAS.LOCAL"_s, true);
-        row("localhost", u"localhost"_s, true);
-        row(".lan", u"music.lan"_s, true);
-        row(".home", u"box.home"_s, true);
-        row(".internal", u"srv.internal"_s, true);
-        row(".home.arpa", u"pi.home.arpa"_s, true);
-        row("10/8", u"10.1.2.3"_s, true);
-        row("127/8", u"127.0.0.1"_s, true);
-        row("172.16/12 top", u"172.31.0.1"_s, true);
-        row("172.16/12 just outside", u"172.32.0.1"_s, false);
-        row("192.168/16", u"192.168.1.20"_s, true);
-        row("link-local v4", u"169.254.9.9"_s, true);
-        row("public v4", u"203.0.113.7"_s, false);
-        row("unique local v6", u"fd00::1"_s, true);
-        row("fc00::/7 lower half", u"fc12::5"_s, true);
-        row("link-local v6", u"fe80::1"_s, true);
-        row("fe80::/10 upper edge", u"febf::1"_s, true);
-        row("just past fe80::/10", u"fec0::1"_s, false);
-        row("loopback v6", u"::1"_s, true);
-        row("loopback v6 written out", u"0:0:0:0:0:0:0:1"_s, false);
-        row("documentation v6", u"2001:db8::1"_s, false);
-        row("public name", u"music.example.org"_s, false);
-        row("name ending like a suffix", u"mylocal"_s, false);
-        row("short v4 form is a name", u"10.1"_s, false);
-        row("absent", std::nullopt, false);
-        row("empty", u""_s, false);
-    }
-
+    // Names and addresses of a home network, and the edges just outside them.
     void localHosts()
     {
-        QFETCH(std::optional<QString>, host);
-        QFETCH(bool, local);
-        QCOMPARE(isLikelyLocalHost(host), local);
+        for (const QString &host : {u"NAS.LOCAL"_s, u"localhost"_s, u"music.lan"_s, u"box.home"_s, u"srv.internal"_s,
+                                    u"pi.home.arpa"_s, u"10.1.2.3"_s, u"127.0.0.1"_s, u"172.31.0.1"_s,
+                                    u"192.168.1.20"_s, u"169.254.9.9"_s, u"fd00::1"_s, u"fc12::5"_s, u"fe80::1"_s,
+                                    u"febf::1"_s, u"::1"_s})
+            QVERIFY2(isLikelyLocalHost(host), qPrintable(host));
+        for (const QString &host : {u"172.32.0.1"_s, u"203.0.113.7"_s, u"fec0::1"_s, u"0:0:0:0:0:0:0:1"_s,
+                                    u"2001:db8::1"_s, u"music.example.org"_s, u"mylocal"_s, u"10.1"_s, u""_s})
+            QVERIFY2(!isLikelyLocalHost(host), qPrintable(host));
+        QVERIFY(!isLikelyLocalHost(std::nullopt));
     }
 
     void playbackItemsFollowTheCurrentSong()
@@ -261,10 +233,8 @@ private Q_SLOTS:
         QVERIFY(preferences.scrobbleEnabled());
         QSignalSpy changed(&preferences, &Preferences::scrobbleEnabledChanged);
         preferences.setScrobbleEnabled(true);
-        QCOMPARE(changed.count(), 0);
         preferences.setScrobbleEnabled(false);
         QCOMPARE(changed.count(), 1);
-        QCOMPARE(settings->value(u"scrobbleEnabled"_s).toBool(), false);
         QVERIFY(!Preferences(settings.get()).scrobbleEnabled());
     }
 
