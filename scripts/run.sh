@@ -37,7 +37,7 @@ if (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null; then port=0; fi
 echo "Starting the demo server (the first run makes its library, about a minute)..."
 server_log="$demo/server.log"
 rm -f "$demo/server.out"
-/usr/bin/python3 tests/e2e/supysonic_fixture.py --workdir "$demo/server" --port "$port" \
+/usr/bin/python3 scripts/demo/supysonic_server.py --workdir "$demo/server" --port "$port" \
   --user "$user" --password "$password" --demo --keep-state --ignore-stdin >"$demo/server.out" 2>"$server_log" &
 server_pid=$!
 trap 'kill "$server_pid" 2>/dev/null || true' EXIT

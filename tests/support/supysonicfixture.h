@@ -1,6 +1,6 @@
 #pragma once
 
-// A real Supysonic server for end-to-end tests, started from tests/e2e/supysonic_fixture.py on a free port of
+// A real Supysonic server for end-to-end tests, started from scripts/demo/supysonic_server.py on a free port of
 // 127.0.0.1 with a generated library. It stops with this object, or with the test process (it watches its stdin).
 
 #include <QJsonObject>

@@ -2,7 +2,7 @@
 """Run a real Supysonic server on 127.0.0.1 with a small generated library.
 
 Usage:
-    python3 tests/e2e/supysonic_fixture.py --workdir DIR [--port N]
+    python3 scripts/demo/supysonic_server.py --workdir DIR [--port N]
                                            [--user NAME --password PASS]
                                            [--keep-state] [--ignore-stdin] [--demo]
 
@@ -47,7 +47,7 @@ except ImportError:
     # Supysonic is a Debian package: use the system interpreter if we are not it.
     if os.path.exists(SYSTEM_PYTHON) and os.path.realpath(sys.executable) != os.path.realpath(SYSTEM_PYTHON):
         os.execv(SYSTEM_PYTHON, [SYSTEM_PYTHON] + sys.argv)
-    sys.exit("supysonic_fixture: supysonic/waitress are not importable")
+    sys.exit("supysonic_server: supysonic/waitress are not importable")
 
 LIBRARY_VERSION = 1
 DEMO_LIBRARY_VERSION = "demo-1"
@@ -88,7 +88,7 @@ CODECS = {
 
 
 def fail(message):
-    print("supysonic_fixture: " + message, file=sys.stderr, flush=True)
+    print("supysonic_server: " + message, file=sys.stderr, flush=True)
     sys.exit(1)
 
 
