@@ -3,6 +3,7 @@
 #include "artwork/imagememorycache.h"
 #include "awaittask.h"
 #include "fakesubsonicserver.h"
+#include "testdata.h"
 #include "offline/offlinefilename.h"
 #include "server/subsonicclient.h"
 
@@ -43,14 +44,8 @@ FakeResponse imageAnswer(const QByteArray &bytes, int delayMs = 0)
     return FakeResponse{.status = 200, .contentType = "image/jpeg", .body = bytes, .delayMs = delayMs};
 }
 
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 // Writes the file when bytes are given, then dates it.
-void writeFile(const QString &path, const QByteArray &bytes, const QDateTime &time = {})
+void writeDated(const QString &path, const QByteArray &bytes, const QDateTime &time = {})
 {
     QFile file(path);
     QVERIFY(file.open(bytes.isNull() ? QIODevice::ReadWrite : QIODevice::WriteOnly));
@@ -170,7 +165,7 @@ private Q_SLOTS:
 
     void diskFilesServeTheirSizeAndSmallerOnes()
     {
-        writeFile(cacheFile(u"al-2"_s, 512), jpeg(512), longAgo);
+        writeDated(cacheFile(u"al-2"_s, 512), jpeg(512), longAgo);
 
         const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-2);
         const std::optional<QImage> small = image(u"al-2"_s, 128);
@@ -180,7 +175,7 @@ private Q_SLOTS:
         QVERIFY(modified(cacheFile(u"al-2"_s, 512)) >= before);
         QCOMPARE(cachedFiles(), QStringList{offlineFileName(ArtworkFetcher::key(u"al-2"_s, 512))});
 
-        writeFile(cacheFile(u"al-2"_s, 512), {}, longAgo);
+        writeDated(cacheFile(u"al-2"_s, 512), {}, longAgo);
         QCOMPARE(image(u"al-2"_s, 512)->size(), QSize(512, 512));
         QVERIFY(modified(cacheFile(u"al-2"_s, 512)) >= before);
 
@@ -193,7 +188,7 @@ private Q_SLOTS:
 
     void damagedDiskFileIsReplacedFromTheServer()
     {
-        writeFile(cacheFile(u"al-3"_s, 64), "not an image");
+        writeDated(cacheFile(u"al-3"_s, 64), "not an image");
         server->on(u"getCoverArt"_s, imageAnswer(jpeg(64)));
         QVERIFY(image(u"al-3"_s, 64));
         QCOMPARE(server->count(u"getCoverArt"_s), 1);
@@ -229,7 +224,7 @@ private Q_SLOTS:
     {
         QTemporaryDir offline;
         const QString cover = offline.path() + u'/' + offlineFileName(u"al-5");
-        writeFile(cover, jpeg(1024), longAgo);
+        writeDated(cover, jpeg(1024), longAgo);
         server->stop();
 
         QCOMPARE(image(u"al-5"_s, 64), std::nullopt);

@@ -7,6 +7,7 @@
 #include "offline/downloadstore.h"
 #include "server/subsonicclient.h"
 #include "supysonicfixture.h"
+#include "testdata.h"
 
 #include <QFile>
 #include <QImage>
@@ -19,20 +20,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QStringList idsOf(const QList<Song> &songs)
-{
-    QStringList ids;
-    for (const Song &song : songs)
-        ids.append(song.id);
-    return ids;
-}
-
 // Walks a list page by page to its end; the ids seen and how many pages it took.
 template<typename Fetch>
 std::pair<QSet<QString>, int> walk(int pageSize, Fetch fetch)
@@ -189,7 +176,7 @@ private Q_SLOTS:
         QByteArray contentType;
         const QByteArray downloaded = get(client->downloadURL(album.song->first().id), &contentType);
         QVERIFY(!contentType.contains("json"));
-        QVERIFY(downloaded == contentOf(libraryFile(album.song->first())));
+        QVERIFY(downloaded == readFile(libraryFile(album.song->first())));
     }
 
     // After each edit through the store, the server reads back what the store holds.
@@ -239,12 +226,12 @@ private Q_SLOTS:
         QVERIFY(store->active().isEmpty());
         QCOMPARE(store->manifest().songs.value(shared.id).owners.size(), 2);
         for (const Song &song : *album.song + QList<Song>{other})
-            QCOMPARE(contentOf(storedFile(song)), contentOf(libraryFile(song)));
+            QCOMPARE(readFile(storedFile(song)), readFile(libraryFile(song)));
         const QString cover = DownloadLayout::artworkDirectory(store->directory()) + u'/'
             + DownloadLayout::coverFileName(*shared.coverArt);
-        QVERIFY(!QImage::fromData(contentOf(cover)).isNull());
+        QVERIFY(!QImage::fromData(readFile(cover)).isNull());
         store->removeDownload(albumCollectionKey(album.id));
-        QCOMPARE(contentOf(storedFile(shared)), contentOf(libraryFile(shared)));
+        QCOMPARE(readFile(storedFile(shared)), readFile(libraryFile(shared)));
 
         store.reset();
         fixture.reset();

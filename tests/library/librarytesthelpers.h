@@ -3,21 +3,13 @@
 // Answers for the fake server in the shapes the library store asks for, and small record helpers.
 
 #include "fakesubsonicserver.h"
-#include "server/records.h"
+#include "testdata.h"
 
 #include <QJsonArray>
 
 inline Song song(const QString &id)
 {
     return Song{.id = id, .title = QStringLiteral("Song ") + id};
-}
-
-inline QStringList ids(const QList<Song> &songs)
-{
-    QStringList result;
-    for (const Song &s : songs)
-        result.append(s.id);
-    return result;
 }
 
 inline QJsonObject songJson(const QString &id)
@@ -65,13 +57,3 @@ inline FakeResponse playlistJson(const QString &id, const QStringList &songIds)
     return FakeSubsonicServer::json({{QStringLiteral("playlist"), playlist}});
 }
 
-inline FakeResponse serverError(int code, const QString &message)
-{
-    return FakeResponse{.body = FakeSubsonicServer::failed(code, message)};
-}
-
-inline FakeResponse delayed(FakeResponse answer, int ms)
-{
-    answer.delayMs = ms;
-    return answer;
-}

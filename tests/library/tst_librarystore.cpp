@@ -116,7 +116,7 @@ private Q_SLOTS:
 
     void theHomeRandomRowLoadsAgainAfterAFailure()
     {
-        server->enqueue(u"getAlbumList2"_s, serverError(0, u"Busy"_s));
+        server->enqueue(u"getAlbumList2"_s, FakeSubsonicServer::error(0, u"Busy"_s));
         server->enqueue(u"getAlbumList2"_s, albumPage(0, 20));
         const auto row = [this] { return store->homeRowState(AlbumListType::Random); };
         store->ensureHomeRow(AlbumListType::Random);
@@ -138,7 +138,7 @@ private Q_SLOTS:
     void aFailedAlbumPageKeepsWhatWasHeldAndCanBeAskedAgain()
     {
         server->enqueue(u"getAlbumList2"_s, albumPage(0, 60));
-        server->enqueue(u"getAlbumList2"_s, serverError(0, u"Database locked"_s));
+        server->enqueue(u"getAlbumList2"_s, FakeSubsonicServer::error(0, u"Database locked"_s));
         server->enqueue(u"getAlbumList2"_s, albumPage(60, 5));
         const auto type = AlbumListType::AlphabeticalByName;
         store->loadMoreAlbums(type);
@@ -192,8 +192,8 @@ private Q_SLOTS:
         const QJsonObject abba{{u"id"_s, u"ar1"_s}, {u"name"_s, u"Abba"_s}};
         const QJsonObject index{{u"name"_s, u"A"_s}, {u"artist"_s, QJsonArray{abba}}};
         server->on(u"getArtists"_s,
-                   delayed(FakeSubsonicServer::json({{u"artists"_s, QJsonObject{{u"index"_s, QJsonArray{index}}}}}), 300));
-        server->on(u"search3"_s, delayed(songPage(0, 3), 300));
+                   FakeSubsonicServer::delayed(FakeSubsonicServer::json({{u"artists"_s, QJsonObject{{u"index"_s, QJsonArray{index}}}}}), 300));
+        server->on(u"search3"_s, FakeSubsonicServer::delayed(songPage(0, 3), 300));
         const QJsonObject mix{{u"id"_s, u"p1"_s}, {u"name"_s, u"Mix"_s}};
         server->on(u"getPlaylists"_s, FakeSubsonicServer::json(playlistsPayload({mix})));
         store->ensurePlaylistsLoaded();
@@ -201,7 +201,7 @@ private Q_SLOTS:
 
         store->ensureArtistsLoaded();
         store->ensureSongsLoaded();
-        server->on(u"getAlbumList2"_s, delayed(albumPage(0, 5), 300));
+        server->on(u"getAlbumList2"_s, FakeSubsonicServer::delayed(albumPage(0, 5), 300));
         store->loadMoreAlbums(AlbumListType::Newest);
         QSignalSpy epoch(store.get(), &LibraryStore::epochChanged);
         QTest::qWait(50);
@@ -231,13 +231,13 @@ private Q_SLOTS:
         const QJsonObject starred{{u"song"_s, QJsonArray{songJson(u"s1"_s)}}, {u"album"_s, QJsonArray{albumJson(u"al"_s)}},
                                   {u"artist"_s, QJsonArray{QJsonObject{{u"id"_s, u"ar"_s}, {u"name"_s, u"A"_s}}}}};
         server->on(u"getStarred2"_s, FakeSubsonicServer::json({{u"starred2"_s, starred}}));
-        server->on(u"getPlaylists"_s, serverError(0, u"Internal error"_s));
+        server->on(u"getPlaylists"_s, FakeSubsonicServer::error(0, u"Internal error"_s));
         server->on(u"getArtists"_s, FakeResponse{.contentType = "text/html", .body = "<html>"});
         store->ensurePlaylistsLoaded();
         store->ensureArtistsLoaded();
         QTRY_VERIFY(store->playlistsLoaded() && store->artistsLoaded());
         QVERIFY(store->reachability().isOk());
-        server->on(u"star"_s, serverError(70, u"Not found"_s));
+        server->on(u"star"_s, FakeSubsonicServer::error(70, u"Not found"_s));
         store->toggleStar(song(u"x"_s));
         QTRY_VERIFY(store->lastFailure());
         QVERIFY(store->reachability().isOk());
@@ -285,8 +285,8 @@ private Q_SLOTS:
 
     void retryConnectionPingsOnceAndRestartsTheScreens()
     {
-        server->on(u"ping"_s, delayed(FakeSubsonicServer::json({}), 100));
-        server->on(u"star"_s, serverError(0, u"Nope"_s));
+        server->on(u"ping"_s, FakeSubsonicServer::delayed(FakeSubsonicServer::json({}), 100));
+        server->on(u"star"_s, FakeSubsonicServer::error(0, u"Nope"_s));
         store->toggleStar(Song{.id = u"s1"_s, .title = u"t"_s});
         QTRY_VERIFY(store->lastFailure().has_value());
 
@@ -309,7 +309,7 @@ private Q_SLOTS:
 
     void aStoreDestroyedMidLoadIsNotTouched()
     {
-        server->on(u"search3"_s, delayed(songPage(0, 10), 200));
+        server->on(u"search3"_s, FakeSubsonicServer::delayed(songPage(0, 10), 200));
         server->on(u"getArtists"_s, FakeResponse{.hang = true});
         store->ensureSongsLoaded();
         store->ensureArtistsLoaded();
@@ -329,12 +329,12 @@ private Q_SLOTS:
         server->on(u"getAlbum"_s, [](const RecordedRequest &request) {
             const QString id = request.value(u"id"_s);
             if (id == u"broken"_s)
-                return serverError(70, u"Not found"_s);
+                return FakeSubsonicServer::error(70, u"Not found"_s);
             QJsonObject album = albumJson(id);
             album.insert(u"song"_s, QJsonArray{songJson(id + u"-1"_s), songJson(id + u"-2"_s)});
             return FakeSubsonicServer::json({{u"album"_s, album}});
         });
-        QCOMPARE(ids(awaitTask(store->artistDiscographySongs(u"ar"_s))), (QStringList{u"new-1"_s, u"new-2"_s, u"old-1"_s, u"old-2"_s, u"undated-1"_s, u"undated-2"_s}));
+        QCOMPARE(idsOf(awaitTask(store->artistDiscographySongs(u"ar"_s))), (QStringList{u"new-1"_s, u"new-2"_s, u"old-1"_s, u"old-2"_s, u"undated-1"_s, u"undated-2"_s}));
 
         const int fetched = server->count(u"getAlbum"_s);
         awaitTask(store->albumDetail(u"new"_s));
@@ -348,7 +348,7 @@ private Q_SLOTS:
         store->refresh();
         server->on(u"getArtist"_s, FakeSubsonicServer::json({{u"artist"_s, QJsonObject{{u"id"_s, u"ar"_s},
                                                             {u"name"_s, u"N"_s}, {u"album"_s, albums}}}}));
-        server->on(u"getAlbum"_s, delayed(FakeSubsonicServer::json({{u"album"_s, albumJson(u"any"_s)}}), 200));
+        server->on(u"getAlbum"_s, FakeSubsonicServer::delayed(FakeSubsonicServer::json({{u"album"_s, albumJson(u"any"_s)}}), 200));
         server->clearLog();
         const CancelToken closed = CancelToken::create();
         auto walk = store->artistDiscographySongs(u"ar"_s, closed);
@@ -379,10 +379,10 @@ private Q_SLOTS:
         QVERIFY(store->starredIds().contains(u"1"_s)); // at once, before the server answers
         QTRY_COMPARE(server->count(u"star"_s), 1);
         store->toggleStar(song(u"2"_s));
-        QCOMPARE(ids(store->starredSongs()), (QStringList{u"2"_s, u"1"_s}));
+        QCOMPARE(idsOf(store->starredSongs()), (QStringList{u"2"_s, u"1"_s}));
         store->toggleStar(song(u"2"_s)); // unlike
         QTRY_COMPARE(server->count(u"unstar"_s), 1);
-        QCOMPARE(ids(store->starredSongs()), QStringList{u"1"_s});
+        QCOMPARE(idsOf(store->starredSongs()), QStringList{u"1"_s});
 
         // A refused unlike puts the song back first; a refused like takes it out again.
         server->on(u"unstar"_s, FakeResponse{.status = 500});
@@ -486,7 +486,7 @@ private Q_SLOTS:
         QVERIFY(store->playlists().isEmpty());
 
         // An album listed without its songs is fetched first; failing that, the failure says so and can retry.
-        server->on(u"getAlbum"_s, serverError(70, u"Album gone"_s));
+        server->on(u"getAlbum"_s, FakeSubsonicServer::error(70, u"Album gone"_s));
         awaitTask(store->addAlbum(Album{.id = u"al"_s, .name = u"n"_s}, u"p1"_s));
         QCOMPARE(store->lastFailure()->message(), u"Couldn't add the album to the playlist — album gone"_s);
         QJsonObject album = albumJson(u"al"_s);

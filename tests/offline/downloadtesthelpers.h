@@ -8,6 +8,7 @@
 #include "offline/filetransfer.h"
 #include "offline/manifestfile.h"
 #include "offline/offlinefilename.h"
+#include "testdata.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -35,20 +36,6 @@ inline QList<Song> numberedSongs(int count, int first = 1)
     for (int i = first; i < first + count; ++i)
         songs.append(testSong(u"s%1"_s.arg(i), i));
     return songs;
-}
-
-inline QStringList idsOf(const QList<Song> &songs)
-{
-    QStringList ids;
-    for (const Song &song : songs)
-        ids.append(song.id);
-    return ids;
-}
-
-inline QByteArray fileContent(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 inline Album testAlbum(const QString &id)
@@ -139,7 +126,7 @@ struct DownloadRig {
     }
     [[nodiscard]] QByteArray contentOf(const QString &id, const QString &suffix = u"mp3"_s) const
     {
-        return fileContent(songFile(id, suffix));
+        return readFile(songFile(id, suffix));
     }
 
     [[nodiscard]] QList<qint64> partialFileSizes() const

@@ -154,7 +154,7 @@ private Q_SLOTS:
         store->downloadAlbum(testAlbum(u"B"_s));
         QTRY_VERIFY(store->isDownloaded(u"album:B"_s) && !store->isRunning(u"album:B"_s));
         const QString manifestPath = DownloadLayout::manifestPath(rig->directory());
-        const QByteArray manifestBefore = fileContent(manifestPath);
+        const QByteArray manifestBefore = readFile(manifestPath);
         rig->scripted.insert(u"s1"_s, audioAnswer(audioOf(u"s1"_s, 100)));
 
         {
@@ -164,7 +164,7 @@ private Q_SLOTS:
             runToEnd(albumKey);
         }
         QCOMPARE(store->albumProgress(u"A"_s), (DownloadProgress{.total = 3, .completed = 1, .failed = true}));
-        QCOMPARE(fileContent(manifestPath), manifestBefore);
+        QCOMPARE(readFile(manifestPath), manifestBefore);
         QVERIFY(loadManifest(rig->directory()).isDownloaded(u"album:B"_s));
         QVERIFY(store->manifest().songs.value(u"s1"_s).owners.contains(albumKey));
         const QStringList held = idsOf(numberedSongs(6, 10));

@@ -26,7 +26,7 @@ class DownloadRunTest : public DownloadTest
     {
         QStringList covers;
         for (const QString &id : {u"front"_s, u"back"_s, u"other"_s}) {
-            if (fileContent(coverFolder() + u'/' + DownloadLayout::coverFileName(id)) == DownloadRig::coverOf(id))
+            if (readFile(coverFolder() + u'/' + DownloadLayout::coverFileName(id)) == DownloadRig::coverOf(id))
                 covers.append(id);
         }
         return covers;

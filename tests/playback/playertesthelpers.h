@@ -5,32 +5,18 @@
 
 #include "fakeaudioengine.h"
 #include "playback/playercontroller.h"
+#include "testdata.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QTest>
-
-// "a b c" gives three songs with ids a, b and c.
-inline QList<Song> makeSongs(const QString &ids)
-{
-    QList<Song> songs;
-    for (const QString &id : ids.split(QLatin1Char(' '), Qt::SkipEmptyParts))
-        songs.append(Song{.id = id, .title = QStringLiteral("Song ") + id, .duration = 200});
-    return songs;
-}
 
 inline QString order(const QList<Song> &songs)
 {
-    QStringList ids;
-    for (const Song &song : songs)
-        ids.append(song.id);
-    return ids.join(QLatin1Char(' '));
+    return idsOf(songs).join(QLatin1Char(' '));
 }
 
 inline QString sortedOrder(const QList<Song> &songs)
 {
-    QStringList ids = order(songs).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QStringList ids = idsOf(songs);
     ids.sort();
     return ids.join(QLatin1Char(' '));
 }
@@ -39,14 +25,6 @@ inline QString currentId(const PlayerController &controller)
 {
     const auto song = controller.currentSong();
     return song ? song->id : QString();
-}
-
-// Writes `bytes` to `path`, making its folder; false when that failed.
-inline bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 struct Player {

@@ -20,12 +20,6 @@ QString numberedIds(int count)
     return ids.join(u' ');
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 const QString ownKey = u"u@http://127.0.0.1:9"_s;
 }
 
@@ -81,7 +75,7 @@ private Q_SLOTS:
         QCOMPARE(p->controller.currentIndex(), std::optional<qsizetype>(index));
         p->controller.saveSession();
 
-        const QJsonObject object = QJsonDocument::fromJson(readAll(sessionPath())).object();
+        const QJsonObject object = QJsonDocument::fromJson(readFile(sessionPath())).object();
         QCOMPARE(object.value(u"queue"_s).toArray().size(), saved);
         QCOMPARE(object.value(u"currentIndex"_s).toInt(), savedIndex);
         QCOMPARE(object.value(u"queue"_s).toArray().at(savedIndex).toObject().value(u"id"_s).toString(),
@@ -137,7 +131,7 @@ private Q_SLOTS:
         // A pause keeps the place it paused at.
         Q_EMIT p->engine.positionTicked(30);
         p->controller.pause();
-        QTRY_COMPARE_WITH_TIMEOUT(SessionSnapshot::decode(readAll(sessionPath())).value_or(SessionSnapshot{}).currentTime,
+        QTRY_COMPARE_WITH_TIMEOUT(SessionSnapshot::decode(readFile(sessionPath())).value_or(SessionSnapshot{}).currentTime,
                                   30.0, 1500);
 
         p->controller.stop();
@@ -186,7 +180,7 @@ private Q_SLOTS:
         p->controller.restoreSession(p->client);
         QCOMPARE(p->controller.currentSong(), std::nullopt);
         QCOMPARE(p->engine.items().size(), 0);
-        QCOMPARE(readAll(sessionPath()), bytes);
+        QCOMPARE(readFile(sessionPath()), bytes);
     }
 
     void thereIsOneRestoreAttemptPerRun()

@@ -76,6 +76,12 @@ public:
     static QByteArray ok(const QJsonObject &payload = {}, const QString &version = QStringLiteral("1.16.1"));
     static QByteArray failed(int code, const QString &message);
     static FakeResponse json(const QJsonObject &payload) { return FakeResponse{.body = ok(payload)}; }
+    static FakeResponse error(int code, const QString &message) { return FakeResponse{.body = failed(code, message)}; }
+    static FakeResponse delayed(FakeResponse answer, int ms)
+    {
+        answer.delayMs = ms;
+        return answer;
+    }
 
 private:
     void accept();
