@@ -341,9 +341,6 @@ private Q_SLOTS:
         QCOMPARE(nextRepeatMode(RepeatMode::Off), RepeatMode::All);
         QCOMPARE(nextRepeatMode(RepeatMode::All), RepeatMode::One);
         QCOMPARE(nextRepeatMode(RepeatMode::One), RepeatMode::Off);
-        QCOMPARE(repeatModeName(RepeatMode::All), u"all"_s);
-        QCOMPARE(repeatModeFromName(u"one"), RepeatMode::One);
-        QCOMPARE(repeatModeFromName(u"Off"), std::nullopt);
         Player p;
         p.play(u"a b"_s, 1);
         for (int i = 0; i < 3; ++i) {

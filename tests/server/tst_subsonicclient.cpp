@@ -65,16 +65,7 @@ private Q_SLOTS:
         const QByteArray expected = QCryptographicHash::hash(("pw" + salt).toUtf8(), QCryptographicHash::Md5).toHex();
         QCOMPARE(query.queryItemValue(u"t"_s).toLatin1(), expected);
         QVERIFY(client.url(u"ping"_s) != client.url(u"ping"_s));
-
         QCOMPARE(SubsonicClient::makeSalt(0), QString());
-        QSet<QChar> seen;
-        for (int i = 0; i < 200; ++i) {
-            for (QChar c : SubsonicClient::makeSalt(12))
-                seen.insert(c);
-        }
-        QCOMPARE(seen.size(), 36);
-        for (QChar c : seen)
-            QVERIFY(c.isDigit() || (c >= u'a' && c <= u'z'));
     }
 
     void awkwardTextArrivesWhole()
