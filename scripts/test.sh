@@ -8,6 +8,8 @@ cd "$(dirname "$0")/.."
 bash scripts/deps.sh
 # Relative paths in the compiler cache let a fresh clone reuse what another checkout built.
 export CCACHE_BASEDIR="$PWD"
+# Debug builds hash the build folder into each entry unless told not to; a fresh clone would miss every one.
+export CCACHE_NOHASHDIR=1
 
 build=build
 if [ ! -f "$build/build.ninja" ]; then
