@@ -1,0 +1,76 @@
+#pragma once
+
+// The colours and metrics of every view, in one place: a dark surface (the one the palette rules assume behind
+// text), the window's and sidebar's sizes, and the few radii and heights the screens share. Sizes are logical
+// pixels.
+
+#include <QColor>
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+class Theme : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the application")
+    Q_PROPERTY(QColor surface MEMBER surface CONSTANT)
+    Q_PROPERTY(QColor raisedSurface MEMBER raisedSurface CONSTANT)
+    Q_PROPERTY(QColor sidebarSurface MEMBER sidebarSurface CONSTANT)
+    Q_PROPERTY(QColor text MEMBER text CONSTANT)
+    Q_PROPERTY(QColor secondaryText MEMBER secondaryText CONSTANT)
+    Q_PROPERTY(QColor tertiaryText MEMBER tertiaryText CONSTANT)
+    Q_PROPERTY(QColor separator MEMBER separator CONSTANT)
+    Q_PROPERTY(QColor selection MEMBER selection CONSTANT)
+    Q_PROPERTY(QColor placeholder MEMBER placeholder CONSTANT)
+    Q_PROPERTY(QColor orange MEMBER orange CONSTANT)
+    Q_PROPERTY(QColor yellow MEMBER yellow CONSTANT)
+    Q_PROPERTY(QColor destructive MEMBER destructive CONSTANT)
+    Q_PROPERTY(QColor highlight MEMBER highlight CONSTANT)
+    Q_PROPERTY(QString fontFamily MEMBER fontFamily CONSTANT)
+    Q_PROPERTY(int windowMinWidth MEMBER windowMinWidth CONSTANT)
+    Q_PROPERTY(int windowMinHeight MEMBER windowMinHeight CONSTANT)
+    Q_PROPERTY(int sidebarMinWidth MEMBER sidebarMinWidth CONSTANT)
+    Q_PROPERTY(int sidebarIdealWidth MEMBER sidebarIdealWidth CONSTANT)
+    Q_PROPERTY(int sidebarMaxWidth MEMBER sidebarMaxWidth CONSTANT)
+    Q_PROPERTY(int toolbarHeight MEMBER toolbarHeight CONSTANT)
+    Q_PROPERTY(int rowHeight MEMBER rowHeight CONSTANT)
+    Q_PROPERTY(int playbackBarBand MEMBER playbackBarBand CONSTANT)
+    Q_PROPERTY(int bannerMaxWidth MEMBER bannerMaxWidth CONSTANT)
+    Q_PROPERTY(int bannerRadius MEMBER bannerRadius CONSTANT)
+    Q_PROPERTY(int accentHeight MEMBER accentHeight CONSTANT)
+    Q_PROPERTY(int accentFadeMs MEMBER accentFadeMs CONSTANT)
+    Q_PROPERTY(double accentOpacity MEMBER accentOpacity CONSTANT)
+
+public:
+    using QObject::QObject;
+
+    const QColor surface = QColor::fromRgbF(0.11f, 0.11f, 0.12f);
+    const QColor raisedSurface = QColor::fromRgbF(0.16f, 0.16f, 0.17f);
+    const QColor sidebarSurface = QColor::fromRgbF(0.09f, 0.09f, 0.10f);
+    const QColor text = QColor::fromRgbF(1, 1, 1, 0.92f);
+    const QColor secondaryText = QColor::fromRgbF(1, 1, 1, 0.6f);
+    const QColor tertiaryText = QColor::fromRgbF(1, 1, 1, 0.35f);
+    const QColor separator = QColor::fromRgbF(1, 1, 1, 0.12f);
+    const QColor selection = QColor::fromRgbF(1, 1, 1, 0.1f);
+    const QColor placeholder = QColor::fromRgbF(1, 1, 1, 0.06f);
+    const QColor orange = QColor(0xff, 0x9f, 0x0a);
+    const QColor yellow = QColor(0xff, 0xd6, 0x0a);
+    const QColor destructive = QColor(0xff, 0x45, 0x3a);
+    const QColor highlight = QColor(0x0a, 0x84, 0xff);
+    const QString fontFamily = QStringLiteral("Inter");
+    const int windowMinWidth = 900;
+    const int windowMinHeight = 560;
+    const int sidebarMinWidth = 180;
+    const int sidebarIdealWidth = 210;
+    const int sidebarMaxWidth = 280;
+    const int toolbarHeight = 44;
+    const int rowHeight = 28;
+    // Under the content, where the playback bar floats.
+    const int playbackBarBand = 78;
+    const int bannerMaxWidth = 520;
+    const int bannerRadius = 12;
+    // The wash at the top of the window: a gradient this high from the accent at this opacity to nothing.
+    const int accentHeight = 340;
+    const int accentFadeMs = 400;
+    const double accentOpacity = 0.15;
+};
