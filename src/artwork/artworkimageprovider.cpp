@@ -3,6 +3,8 @@
 #include "artworkfetcher.h"
 #include "imagememorycache.h"
 
+#include <QPainter>
+#include <QPainterPath>
 #include <QQuickImageResponse>
 #include <QQuickTextureFactory>
 
@@ -19,11 +21,29 @@ struct ResponseLink {
     ArtworkImageResponse *response = nullptr;
 };
 
+// Corners are cut here, on the engine's loader thread, once per size and radius: the scene graph of Qt 6.4 has no
+// cheap way to clip an image to a rounded rectangle.
+QImage rounded(const QImage &image, int radius)
+{
+    if (radius <= 0 || image.isNull())
+        return image;
+    QImage cut(image.size(), QImage::Format_ARGB32_Premultiplied);
+    cut.fill(Qt::transparent);
+    QPainter painter(&cut);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPainterPath path;
+    path.addRoundedRect(QRectF(cut.rect()), radius, radius);
+    painter.setClipPath(path);
+    painter.drawImage(0, 0, image);
+    return cut;
+}
+
 class ArtworkImageResponse : public QQuickImageResponse
 {
 public:
-    ArtworkImageResponse()
+    explicit ArtworkImageResponse(int cornerRadius = 0)
         : m_link(std::make_shared<ResponseLink>())
+        , m_cornerRadius(cornerRadius)
     {
         m_link->response = this;
     }
@@ -56,11 +76,12 @@ private:
     // A cancelled response is still released only when it finishes, which the fetch always does in the end.
     void finishWith(const QImage &image)
     {
-        m_image = image;
+        m_image = rounded(image, m_cornerRadius);
         Q_EMIT finished();
     }
 
     std::shared_ptr<ResponseLink> m_link;
+    int m_cornerRadius;
     QImage m_image;
 };
 
@@ -75,19 +96,24 @@ QCoro::Task<> fetchAndDeliver(ArtworkFetcher *fetcher, QString coverArt, int pix
 struct CoverRequest {
     QString coverArt;
     int pixelSize = 0;
+    int cornerRadius = 0;
 };
 
+// "<pixel size>/<id>", or "<pixel size>r<corner radius>/<id>" for a cover with rounded corners.
 std::optional<CoverRequest> parse(const QString &id)
 {
     const qsizetype slash = id.indexOf(u'/');
     if (slash <= 0)
         return std::nullopt;
+    const QStringList size = id.first(slash).split(u'r');
     bool isNumber = false;
-    const int pixelSize = id.first(slash).toInt(&isNumber);
+    bool isRadius = true;
+    const int pixelSize = size[0].toInt(&isNumber);
+    const int cornerRadius = size.size() == 2 ? size[1].toInt(&isRadius) : 0;
     const QString coverArt = QUrl::fromPercentEncoding(id.sliced(slash + 1).toUtf8());
-    if (!isNumber || pixelSize <= 0 || coverArt.isEmpty())
+    if (!isNumber || !isRadius || size.size() > 2 || pixelSize <= 0 || cornerRadius < 0 || coverArt.isEmpty())
         return std::nullopt;
-    return CoverRequest{coverArt, pixelSize};
+    return CoverRequest{coverArt, pixelSize, std::min(cornerRadius, pixelSize / 2)};
 }
 }
 
@@ -111,8 +137,8 @@ QUrl ArtworkImageProvider::coverURL(const QString &coverArt, int pixelSize) cons
 
 QQuickImageResponse *ArtworkImageProvider::requestImageResponse(const QString &id, const QSize &)
 {
-    auto *response = new ArtworkImageResponse;
     const std::optional<CoverRequest> request = parse(id);
+    auto *response = new ArtworkImageResponse(request ? request->cornerRadius : 0);
     if (!request) {
         ArtworkImageResponse::deliver(response->link(), QImage());
         return response;
@@ -129,8 +155,9 @@ QQuickImageResponse *ArtworkImageProvider::requestImageResponse(const QString &i
     return response;
 }
 
-QString ArtworkImageProvider::source(const QString &coverArt, int pixelSize)
+QString ArtworkImageProvider::source(const QString &coverArt, int pixelSize, int cornerRadius)
 {
-    return "image://"_L1 + providerId + u'/' + QString::number(pixelSize) + u'/'
+    const QString radius = cornerRadius > 0 ? u'r' + QString::number(cornerRadius) : QString();
+    return "image://"_L1 + providerId + u'/' + QString::number(pixelSize) + radius + u'/'
         + QString::fromLatin1(QUrl::toPercentEncoding(coverArt));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-// How QML shows covers: "image://artwork/<pixel size>/<cover-art id>", the id percent-encoded. A cover in memory
+// How QML shows covers: "image://artwork/<pixel size>/<cover-art id>", the id percent-encoded; "<pixel size>r<radius>"
+// asks for rounded corners. A cover in memory
 // is answered on the engine's loader thread with no decoding; anything else is handed to the fetcher on the main
 // thread, where its network manager lives, and comes back when the fetch ends. A cover that cannot be had
 // finishes with no image and no error, so that QML shows its placeholder without a warning in the log.
@@ -27,7 +28,8 @@ public:
     // Called by the engine on its loader thread.
     QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
 
-    [[nodiscard]] static QString source(const QString &coverArt, int pixelSize);
+    // `cornerRadius` in pixels of the image; 0 for square corners.
+    [[nodiscard]] static QString source(const QString &coverArt, int pixelSize, int cornerRadius = 0);
     static constexpr QLatin1StringView providerId{"artwork"};
 
 private:

@@ -13,6 +13,7 @@ class ArtworkSource : public QObject
     QML_ELEMENT
     Q_PROPERTY(QString coverArt READ coverArt WRITE setCoverArt NOTIFY changed)
     Q_PROPERTY(qreal requestSize READ requestSize WRITE setRequestSize NOTIFY changed)
+    Q_PROPERTY(qreal cornerRadius READ cornerRadius WRITE setCornerRadius NOTIFY changed)
     Q_PROPERTY(QUrl source READ source NOTIFY changed)
 
 public:
@@ -22,6 +23,8 @@ public:
     void setCoverArt(const QString &coverArt);
     [[nodiscard]] qreal requestSize() const { return m_requestSize; }
     void setRequestSize(qreal size);
+    [[nodiscard]] qreal cornerRadius() const { return m_cornerRadius; }
+    void setCornerRadius(qreal radius);
     [[nodiscard]] QUrl source() const;
 
 Q_SIGNALS:
@@ -30,6 +33,7 @@ Q_SIGNALS:
 private:
     QString m_coverArt;
     qreal m_requestSize = 0;
+    qreal m_cornerRadius = 0;
 };
 
 // A collection of songs drawn as one cover: the first album's, or a mosaic of the first four albums' covers

@@ -1,5 +1,6 @@
 #include "connectionbannermodel.h"
 
+#include "cachedcontent.h"
 #include "librarystore.h"
 #include "offline/downloadstore.h"
 
@@ -38,14 +39,10 @@ void ConnectionBannerModel::setLibrary(LibraryStore *library)
     m_library = library;
     if (library) {
         // Whether anything is on screen decides between this banner and a full page, so every list counts.
-        for (const auto signal : {&LibraryStore::reachabilityChanged, &LibraryStore::lastFailureChanged,
-                                  &LibraryStore::isRetryingChanged, &LibraryStore::homeRandomChanged,
-                                  &LibraryStore::artistsChanged, &LibraryStore::songsReset,
-                                  &LibraryStore::starredSongsChanged, &LibraryStore::starredAlbumsChanged,
-                                  &LibraryStore::playlistsChanged})
-            connect(library, signal, this, &ConnectionBannerModel::update);
-        connect(library, &LibraryStore::albumListChanged, this, &ConnectionBannerModel::update);
-        connect(library, &LibraryStore::songsAppended, this, &ConnectionBannerModel::update);
+        connect(library, &LibraryStore::reachabilityChanged, this, &ConnectionBannerModel::update);
+        connect(library, &LibraryStore::lastFailureChanged, this, &ConnectionBannerModel::update);
+        connect(library, &LibraryStore::isRetryingChanged, this, &ConnectionBannerModel::changed);
+        onCachedContentChange(library, this, [this] { update(); });
     }
     Q_EMIT libraryChanged();
     update();
@@ -90,6 +87,8 @@ void ConnectionBannerModel::update()
         else
             m_dismissal.stop();
     }
+    if (standing == m_standing && failure == m_failure)
+        return;
     m_standing = standing;
     m_failure = failure;
     Q_EMIT changed();

@@ -6,12 +6,38 @@ ApplicationWindow {
     id: window
     required property VeltoApp app
 
+    readonly property Theme theme: app.theme
+
     width: 1100
     height: 720
-    minimumWidth: 520
-    minimumHeight: 480
+    minimumWidth: rootView.showsMainView ? theme.windowMinWidth : theme.connectMinWidth
+    minimumHeight: rootView.showsMainView ? theme.windowMinHeight : theme.connectMinHeight
     visible: true
     title: "Velto"
+    color: theme.surface
+    font.family: theme.fontFamily
+    // The dark look every colour of the views is chosen against, for the controls too.
+    palette {
+        window: theme.surface
+        windowText: theme.text
+        base: theme.field
+        alternateBase: theme.raisedSurface
+        text: theme.text
+        placeholderText: theme.tertiaryText
+        button: theme.control
+        buttonText: theme.text
+        brightText: theme.text
+        highlight: theme.highlight
+        highlightedText: "white"
+        toolTipBase: theme.raisedSurface
+        toolTipText: theme.text
+        light: theme.control
+        midlight: theme.control
+        mid: theme.raisedSurface
+        dark: theme.sidebarSurface
+        shadow: "black"
+        link: theme.highlight
+    }
 
     menuBar: AppMenuBar {
         app: window.app
@@ -20,6 +46,7 @@ ApplicationWindow {
     }
 
     RootView {
+        id: rootView
         anchors.fill: parent
         app: window.app
     }

@@ -26,6 +26,6 @@ Item {
     }
     Component {
         id: mainView
-        MainViewPlaceholder { app: root.app }
+        MainView { app: root.app }
     }
 }

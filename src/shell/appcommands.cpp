@@ -1,15 +1,18 @@
 #include "appcommands.h"
 
+#include "savedlocation.h"
+
 #include "library/librarystore.h"
 #include "playback/playercontroller.h"
 #include "server/appstate.h"
 
 using namespace Qt::StringLiterals;
 
-AppCommands::AppCommands(AppState *appState, PlayerController *player, QObject *parent)
+AppCommands::AppCommands(AppState *appState, PlayerController *player, LocationFile *locations, QObject *parent)
     : QObject(parent)
     , m_appState(appState)
     , m_player(player)
+    , m_locations(locations)
 {
     connect(appState, &AppState::clientChanged, this, &AppCommands::canRefreshChanged);
     connect(player, &PlayerController::currentSongChanged, this, &AppCommands::canControlPlaybackChanged);
@@ -84,5 +87,6 @@ void AppCommands::logOut()
 {
     m_player->stop();
     m_player->clearSavedSession();
+    m_locations->clear();
     m_appState->logout();
 }

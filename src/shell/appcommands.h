@@ -9,6 +9,7 @@
 #include <QtQml/qqmlregistration.h>
 
 class AppState;
+class LocationFile;
 class PlayerController;
 
 class AppCommands : public QObject
@@ -22,7 +23,7 @@ class AppCommands : public QObject
     Q_PROPERTY(QString playPauseTitle READ playPauseTitle NOTIFY playPauseTitleChanged)
 
 public:
-    AppCommands(AppState *appState, PlayerController *player, QObject *parent = nullptr);
+    AppCommands(AppState *appState, PlayerController *player, LocationFile *locations, QObject *parent = nullptr);
 
     [[nodiscard]] bool canCreatePlaylist() const { return !m_newPlaylistPublisher.isNull(); }
     [[nodiscard]] bool canRefresh() const;
@@ -39,8 +40,8 @@ public:
     Q_INVOKABLE void togglePlayPause();
     Q_INVOKABLE void next();
     Q_INVOKABLE void previous();
-    // Stops the player and forgets the saved session before the account goes, so nothing of this account plays
-    // or comes back at the next sign-in.
+    // Stops the player and forgets the saved session and the saved place before the account goes, so nothing of
+    // this account plays or comes back at the next sign-in.
     Q_INVOKABLE void logOut();
 
 Q_SIGNALS:
@@ -54,5 +55,6 @@ Q_SIGNALS:
 private:
     AppState *m_appState;
     PlayerController *m_player;
+    LocationFile *m_locations;
     QPointer<QObject> m_newPlaylistPublisher;
 };

@@ -1,5 +1,9 @@
 #include "mainwindow.h"
 
+#include "artwork/artworkfetcher.h"
+#include "artwork/artworkimageprovider.h"
+#include "artwork/artworkstore.h"
+#include "server/appstate.h"
 #include "veltoapp.h"
 #include "windowsizekeeper.h"
 
@@ -10,6 +14,12 @@ using namespace Qt::StringLiterals;
 
 QQuickWindow *loadMainWindow(QQmlApplicationEngine &engine, VeltoApp &app)
 {
+    // The engine owns the provider; the client it asks follows the account.
+    auto *covers = new ArtworkImageProvider(&ArtworkFetcher::shared(), &ArtworkStore::memory());
+    covers->setClient(app.appState()->client());
+    QObject::connect(app.appState(), &AppState::clientChanged, &engine,
+                     [covers, &app] { covers->setClient(app.appState()->client()); });
+    engine.addImageProvider(ArtworkImageProvider::providerId, covers);
     engine.setInitialProperties({{u"app"_s, QVariant::fromValue(&app)}});
     engine.load(QUrl(u"qrc:/Velto/Main.qml"_s));
     if (engine.rootObjects().isEmpty())

@@ -56,7 +56,8 @@ class Navigation : public QObject, public QQmlParserStatus
     Q_PROPERTY(QString rootKind READ rootKind NOTIFY selectionChanged)
     Q_PROPERTY(QString rootTitle READ rootTitle NOTIFY rootTitleChanged)
     Q_PROPERTY(QString playlistId READ playlistId NOTIFY selectionChanged)
-    Q_PROPERTY(QColor windowAccent READ windowAccent NOTIFY windowAccentChanged)
+    // Transparent for views when the window is neutral.
+    Q_PROPERTY(QColor windowAccent READ shownAccent NOTIFY windowAccentChanged)
     Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchTextChanged)
     Q_PROPERTY(bool faultShownFullPage READ faultShownFullPage NOTIFY faultShownFullPageChanged)
 
@@ -80,6 +81,7 @@ public:
     [[nodiscard]] QString playlistId() const;
     // Invalid when the window is neutral.
     [[nodiscard]] QColor windowAccent() const { return m_windowAccent; }
+    [[nodiscard]] QColor shownAccent() const { return m_windowAccent.isValid() ? m_windowAccent : QColor(Qt::transparent); }
     [[nodiscard]] const QString &searchText() const { return m_searchText; }
     void setSearchText(const QString &text);
     [[nodiscard]] bool faultShownFullPage() const { return !m_fullPages.isEmpty(); }

@@ -90,7 +90,7 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> SidebarModel::roleNames() const
 {
-    return {{KindRole, "kind"},       {KeyRole, "key"},           {TitleRole, "title"},          {IconRole, "icon"},
+    return {{KindRole, "kind"},       {KeyRole, "key"},           {TitleRole, "title"},          {IconRole, "symbol"},
             {SectionRole, "section"}, {SelectedRole, "selected"}, {PlaylistIdRole, "playlistId"}};
 }
 
@@ -182,9 +182,9 @@ void SidebarModel::deletePlaylist(const QString &id)
         deleteAndLeave(m_library, m_navigation, id);
 }
 
-bool SidebarModel::dropAlbums(const QString &playlistId, const QByteArray &data)
+bool SidebarModel::dropAlbums(const QString &playlistId, const QString &data)
 {
-    const QList<Album> albums = albumsIn(data);
+    const QList<Album> albums = albumsIn(data.toUtf8());
     if (albums.isEmpty() || !m_library)
         return false;
     addAlbums(m_library, albums, playlistId);

@@ -41,7 +41,7 @@ public:
     Q_INVOKABLE void deletePlaylist(const QString &id);
     // `data`: the JSON of one album, or of a list of them, as an album is dragged. Each is added in order, its
     // songs fetched when the record has none. True when there was at least one album.
-    Q_INVOKABLE bool dropAlbums(const QString &playlistId, const QByteArray &data);
+    Q_INVOKABLE bool dropAlbums(const QString &playlistId, const QString &data);
 
 Q_SIGNALS:
     void navigationChanged();

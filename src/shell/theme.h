@@ -27,6 +27,10 @@ class Theme : public QObject
     Q_PROPERTY(QColor destructive MEMBER destructive CONSTANT)
     Q_PROPERTY(QColor highlight MEMBER highlight CONSTANT)
     Q_PROPERTY(QString fontFamily MEMBER fontFamily CONSTANT)
+    Q_PROPERTY(QColor field MEMBER field CONSTANT)
+    Q_PROPERTY(QColor control MEMBER control CONSTANT)
+    Q_PROPERTY(int connectMinWidth MEMBER connectMinWidth CONSTANT)
+    Q_PROPERTY(int connectMinHeight MEMBER connectMinHeight CONSTANT)
     Q_PROPERTY(int windowMinWidth MEMBER windowMinWidth CONSTANT)
     Q_PROPERTY(int windowMinHeight MEMBER windowMinHeight CONSTANT)
     Q_PROPERTY(int sidebarMinWidth MEMBER sidebarMinWidth CONSTANT)
@@ -34,6 +38,8 @@ class Theme : public QObject
     Q_PROPERTY(int sidebarMaxWidth MEMBER sidebarMaxWidth CONSTANT)
     Q_PROPERTY(int toolbarHeight MEMBER toolbarHeight CONSTANT)
     Q_PROPERTY(int rowHeight MEMBER rowHeight CONSTANT)
+    Q_PROPERTY(int titleSize MEMBER titleSize CONSTANT)
+    Q_PROPERTY(int pageMargin MEMBER pageMargin CONSTANT)
     Q_PROPERTY(int playbackBarBand MEMBER playbackBarBand CONSTANT)
     Q_PROPERTY(int bannerMaxWidth MEMBER bannerMaxWidth CONSTANT)
     Q_PROPERTY(int bannerRadius MEMBER bannerRadius CONSTANT)
@@ -57,7 +63,12 @@ public:
     const QColor yellow = QColor(0xff, 0xd6, 0x0a);
     const QColor destructive = QColor(0xff, 0x45, 0x3a);
     const QColor highlight = QColor(0x0a, 0x84, 0xff);
+    // Text fields and list backgrounds; buttons.
+    const QColor field = QColor::fromRgbF(0.07f, 0.07f, 0.08f);
+    const QColor control = QColor::fromRgbF(0.22f, 0.22f, 0.24f);
     const QString fontFamily = QStringLiteral("Inter");
+    const int connectMinWidth = 520;
+    const int connectMinHeight = 480;
     const int windowMinWidth = 900;
     const int windowMinHeight = 560;
     const int sidebarMinWidth = 180;
@@ -65,6 +76,8 @@ public:
     const int sidebarMaxWidth = 280;
     const int toolbarHeight = 44;
     const int rowHeight = 28;
+    const int titleSize = 26;
+    const int pageMargin = 24;
     // Under the content, where the playback bar floats.
     const int playbackBarBand = 78;
     const int bannerMaxWidth = 520;

@@ -11,6 +11,8 @@
 #include "playback/playercontroller.h"
 #include "playback/sleepwatcher.h"
 #include "preferences.h"
+#include "savedlocation.h"
+#include "theme.h"
 #include "server/appstate.h"
 #include "server/keychain.h"
 #include "server/networkaccess.h"
@@ -42,7 +44,9 @@ VeltoApp::VeltoApp(Setup setup, QObject *parent)
         .feedURL = setup.updateFeedURL,
         .currentVersion = setup.version,
     });
-    m_commands = std::make_unique<AppCommands>(m_appState.get(), m_player.get());
+    m_locations = std::make_unique<LocationFile>();
+    m_theme = std::make_unique<Theme>();
+    m_commands = std::make_unique<AppCommands>(m_appState.get(), m_player.get(), m_locations.get());
     connect(qApp, &QCoreApplication::aboutToQuit, this, &VeltoApp::saveState);
     if (auto *gui = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
         connect(gui, &QGuiApplication::commitDataRequest, this, &VeltoApp::saveState);

@@ -13,12 +13,14 @@
 
 class AppCommands;
 class AppState;
+class LocationFile;
 class MpvAudioEngine;
 class MprisService;
 class NowPlayingArtwork;
 class PlayerController;
 class Preferences;
 class SleepWatcher;
+class Theme;
 class UpdaterModel;
 
 class VeltoApp : public QObject
@@ -31,6 +33,10 @@ class VeltoApp : public QObject
     Q_PROPERTY(UpdaterModel *updater READ updater CONSTANT)
     Q_PROPERTY(AppCommands *commands READ commands CONSTANT)
     Q_PROPERTY(Preferences *preferences READ preferences CONSTANT)
+    Q_PROPERTY(LocationFile *locations READ locations CONSTANT)
+    Q_PROPERTY(Theme *theme READ theme CONSTANT)
+    Q_MOC_INCLUDE("savedlocation.h")
+    Q_MOC_INCLUDE("theme.h")
 
 public:
     struct Setup {
@@ -47,6 +53,8 @@ public:
     [[nodiscard]] UpdaterModel *updater() const { return m_updater.get(); }
     [[nodiscard]] AppCommands *commands() const { return m_commands.get(); }
     [[nodiscard]] Preferences *preferences() const { return m_preferences.get(); }
+    [[nodiscard]] LocationFile *locations() const { return m_locations.get(); }
+    [[nodiscard]] Theme *theme() const { return m_theme.get(); }
 
     // The main view's start-up work for the signed-in account: the lists every screen needs, the local
     // network check, and the queue of the last run, restored paused.
@@ -68,5 +76,7 @@ private:
     std::unique_ptr<SleepWatcher> m_sleepWatcher;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<UpdaterModel> m_updater;
+    std::unique_ptr<LocationFile> m_locations;
+    std::unique_ptr<Theme> m_theme;
     std::unique_ptr<AppCommands> m_commands;
 };

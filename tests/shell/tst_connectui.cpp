@@ -5,8 +5,7 @@
 #include "playback/playercontroller.h"
 #include "playback/sessionsnapshot.h"
 #include "server/appstate.h"
-#include "shell/mainwindow.h"
-#include "shell/veltoapp.h"
+#include "runningapp.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,21 +25,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QString rightPassword = u"open sesame"_s;
-
-// One start of the application: what main() builds, without the event loop.
-struct RunningApp {
-    VeltoApp app{{.updateFeedURL = {}, .version = QVersionNumber(0, 1, 0)}};
-    QQmlApplicationEngine engine;
-    QQuickWindow *window = nullptr;
-
-    RunningApp() { window = loadMainWindow(engine, app); }
-
-    template<typename T = QQuickItem>
-    T *find(const QString &name) const
-    {
-        return window->findChild<T *>(name);
-    }
-};
 }
 
 class ConnectUiTest : public QObject
@@ -50,37 +34,10 @@ class ConnectUiTest : public QObject
     FakeSubsonicServer server;
     std::unique_ptr<RunningApp> running;
 
-    static QString screenshotDir() { return QStringLiteral(VELTO_SCREENSHOT_DIR); }
-
-    bool start()
-    {
-        running.reset(); // the engine and the app of the last start go first, as at a real quit
-        running = std::make_unique<RunningApp>();
-        if (!running->window)
-            return false;
-        running->window->requestActivate();
-        return QTest::qWaitForWindowActive(running->window);
-    }
-
-    // Types into whatever has the keyboard, as a user who does not click first.
-    void type(const QString &text)
-    {
-        for (const QChar c : text)
-            QTest::sendKeyEvent(QTest::Click, running->window, Qt::Key_unknown, QString(c), Qt::NoModifier);
-    }
-
-    void screenshot(QQuickWindow *window, const QString &name)
-    {
-        QDir().mkpath(screenshotDir());
-        QTest::qWait(100);
-        QVERIFY(window->grabWindow().save(screenshotDir() + u'/' + name + u".png"_s));
-    }
-
-    void click(QQuickItem *item)
-    {
-        const QPoint centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
-        QTest::mouseClick(running->window, Qt::LeftButton, {}, centre);
-    }
+    bool start() { return restart(running); }
+    void type(const QString &text) { running->type(text); }
+    void screenshot(QQuickWindow *window, const QString &name) { QVERIFY(saveScreenshot(window, name)); }
+    void click(QQuickItem *item) { running->click(item); }
 
     void typeInto(const QString &field, const QString &text)
     {
@@ -171,9 +128,6 @@ private Q_SLOTS:
         typeInto(u"passwordField"_s, rightPassword);
         pressReturn();
         QTRY_VERIFY(showsMainView());
-        QCOMPARE(running->find(u"signedInServer"_s)->property("text").toString(), server.baseURL().toString());
-        QCOMPARE(running->find(u"signedInUser"_s)->property("text").toString(), u"alice"_s);
-        screenshot(running->window, u"main-placeholder"_s);
         QTRY_VERIFY(server.count(u"getPlaylists"_s) >= 1); // the main view's start-up work ran
         QTRY_VERIFY(server.count(u"getStarred2"_s) >= 1);
 
@@ -214,7 +168,11 @@ private Q_SLOTS:
     {
         QVERIFY(start());
         QTRY_VERIFY(showsMainView());
-        click(running->find(u"logOutButton"_s));
+        QQuickWindow *settingsWindow = openSettings();
+        QVERIFY(settingsWindow);
+        QTest::mouseClick(settingsWindow, Qt::LeftButton, {},
+                          settingsWindow->findChild<QQuickItem *>(u"settingsLogOut"_s)->mapToScene({8, 8}).toPoint());
+        settingsWindow->close();
         QTRY_VERIFY(!showsMainView());
         QTRY_VERIFY(running->find(u"serverField"_s));
         for (const QString &field : {u"serverField"_s, u"usernameField"_s, u"passwordField"_s})

@@ -12,6 +12,7 @@
 #include "shell/appcommands.h"
 #include "shell/localnetwork.h"
 #include "shell/preferences.h"
+#include "shell/savedlocation.h"
 #include "shell/symbolicons.h"
 
 #include <QFontDatabase>
@@ -42,7 +43,8 @@ class ShellRulesTest : public QObject
         explicit Shell(QSettings *settings) : appState(settings) {}
         AppState appState;
         Player player;
-        AppCommands commands{&appState, &player.controller};
+        LocationFile locations;
+        AppCommands commands{&appState, &player.controller, &locations};
     };
 
 private Q_SLOTS:
@@ -119,7 +121,7 @@ private Q_SLOTS:
         QVERIFY(changed.count() >= 1);
     }
 
-    void logOutStopsAndForgetsTheSession()
+    void logOutStopsAndForgetsTheSessionAndThePlace()
     {
         auto settings = freshSettings();
         settings->setValue(u"serverURL"_s, u"http://127.0.0.1:9"_s);
@@ -132,10 +134,15 @@ private Q_SLOTS:
         const QString sessionFile =
             QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velto/session.json"_s;
         QVERIFY(QFile::exists(sessionFile));
+        const ServerConfig config{.baseURL = QUrl(u"http://127.0.0.1:9"_s), .username = u"u"_s};
+        shell.locations.save(SidebarSelection::item(SidebarItem::Songs), {}, config);
+        QVERIFY(QFile::exists(shell.locations.path()));
 
         commands.logOut();
         QVERIFY(!player.controller.currentSong());
         QVERIFY(!QFile::exists(sessionFile));
+        QVERIFY(!QFile::exists(shell.locations.path()));
+        QVERIFY(!shell.locations.restorable(config));
         QVERIFY(!settings->contains(u"serverURL"_s));
         QVERIFY(!settings->contains(u"username"_s));
     }

@@ -1,0 +1,194 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Velto
+
+// The window once signed in: the sidebar, and beside it the toolbar row, the screens of the navigation stack, the
+// connection banner over them and the band where the playback bar stands.
+FocusScope {
+    id: view
+    required property VeltoApp app
+    readonly property Theme theme: app.theme
+    readonly property LibraryStore library: app.appState.library
+    readonly property DownloadStore downloads: app.appState.downloads
+    readonly property bool windowActive: Window.active
+
+    // Opens the naming dialog; `then` gets the name instead of a new playlist being made and selected.
+    function askNewPlaylistName(then) {
+        newPlaylistDialog.onName = then || null
+        newPlaylistDialog.open()
+    }
+
+    objectName: "mainView"
+    focus: true
+
+    Navigation {
+        id: navigator
+        objectName: "navigation"
+        appState: view.app.appState
+        player: view.app.player
+        locations: view.app.locations
+    }
+    SidebarDoubleClickMonitor {
+        sidebar: sidebar
+        onDoubleClicked: navigator.popToRoot()
+    }
+    WindowAccentSurface {
+        anchors.fill: parent
+        theme: view.theme
+        accent: navigator.windowAccent
+    }
+
+    SplitView {
+        anchors.fill: parent
+        handle: Rectangle {
+            implicitWidth: 1
+            color: view.theme.separator
+        }
+
+        Sidebar {
+            id: sidebar
+            objectName: "sidebar"
+            SplitView.minimumWidth: view.theme.sidebarMinWidth
+            SplitView.preferredWidth: view.theme.sidebarIdealWidth
+            SplitView.maximumWidth: view.theme.sidebarMaxWidth
+            theme: view.theme
+            navigation: navigator
+            library: view.library
+            focus: true
+            onNewPlaylistRequested: view.askNewPlaylistName(null)
+            onRenameRequested: (playlistId, name) => {
+                renameDialog.playlistId = playlistId
+                renameDialog.name = name
+                renameDialog.open()
+            }
+        }
+
+        Item {
+            id: detail
+            SplitView.fillWidth: true
+
+            RowLayout {
+                id: toolbar
+                anchors { top: parent.top; left: parent.left; right: parent.right; leftMargin: 8; rightMargin: 12 }
+                height: view.theme.toolbarHeight
+                spacing: 8
+
+                ToolButton {
+                    objectName: "backButton"
+                    enabled: navigator.depth > 0
+                    Accessible.name: qsTr("Back")
+                    ToolTip.visible: hovered
+                    ToolTip.text: qsTr("Back")
+                    contentItem: SymbolIcon {
+                        symbol: "chevron.left"
+                        size: 20
+                        color: parent.enabled ? view.theme.text : view.theme.tertiaryText
+                    }
+                    onClicked: navigator.back()
+                }
+                Item { Layout.fillWidth: true }
+                TextField {
+                    objectName: "searchField"
+                    Layout.preferredWidth: 240
+                    placeholderText: qsTr("Search")
+                    Accessible.name: qsTr("Search")
+                    text: navigator.searchText
+                    onTextEdited: navigator.searchText = text
+                }
+            }
+
+            Item {
+                id: content
+                anchors { top: toolbar.bottom; left: parent.left; right: parent.right; bottom: band.top }
+                clip: true
+
+                DestinationView {
+                    anchors.fill: parent
+                    visible: navigator.depth === 0
+                    kind: navigator.rootKind
+                    title: navigator.rootTitle
+                    depth: 0
+                    theme: view.theme
+                    navigation: navigator
+                    library: view.library
+                    downloads: view.downloads
+                }
+                Repeater {
+                    model: navigator.stack
+                    delegate: DestinationView {
+                        required property int index
+                        anchors.fill: parent
+                        visible: index + 1 === navigator.depth
+                        depth: index + 1
+                        theme: view.theme
+                        navigation: navigator
+                        library: view.library
+                        downloads: view.downloads
+                    }
+                }
+                ConnectionBanner {
+                    objectName: "connectionBanner"
+                    anchors { top: parent.top; topMargin: 8; horizontalCenter: parent.horizontalCenter }
+                    width: Math.min(parent.width - 32, view.theme.bannerMaxWidth)
+                    theme: view.theme
+                    library: view.library
+                    downloads: view.downloads
+                    faultShownFullPage: navigator.faultShownFullPage
+                }
+            }
+            // Where the playback bar floats; screens scroll under it.
+            Item {
+                id: band
+                anchors { bottom: parent.bottom; left: parent.left; right: parent.right }
+                height: view.theme.playbackBarBand
+            }
+        }
+    }
+
+    PlaylistNameDialog {
+        id: newPlaylistDialog
+        objectName: "newPlaylistDialog"
+        property var onName: null
+        title: qsTr("New Playlist")
+        acceptText: qsTr("Create")
+        onSubmitted: name => onName ? onName(name) : sidebar.createPlaylist(name)
+        onClosed: onName = null
+    }
+    PlaylistNameDialog {
+        id: renameDialog
+        objectName: "renameDialog"
+        property string playlistId
+        title: qsTr("Rename Playlist")
+        acceptText: qsTr("Rename")
+        onSubmitted: name => sidebar.renamePlaylist(playlistId, name)
+        onClosed: playlistId = ""
+    }
+
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Space && event.modifiers === Qt.NoModifier)
+            event.accepted = navigator.spacePressed()
+    }
+    Shortcut {
+        sequence: "Alt+Left"
+        onActivated: navigator.back()
+    }
+    TapHandler {
+        acceptedButtons: Qt.BackButton
+        onTapped: navigator.back()
+    }
+    Connections {
+        target: view.app.commands
+        function onNewPlaylistRequested(window) {
+            if (window === view)
+                view.askNewPlaylistName(null)
+        }
+    }
+
+    onWindowActiveChanged: if (windowActive) app.commands.publishNewPlaylist(view)
+    Component.onCompleted: {
+        app.commands.publishNewPlaylist(view)
+        app.mainViewAppeared()
+    }
+    Component.onDestruction: app.commands.withdrawNewPlaylist(view)
+}
