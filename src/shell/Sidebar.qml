@@ -19,6 +19,8 @@ FocusScope {
         id: rows
         navigation: sidebar.navigation
         library: sidebar.library
+        // The arrow keys move the current row on their own; a new selection brings it back.
+        onSelectedRowChanged: list.currentIndex = selectedRow
     }
     SidebarAccentSurface {
         anchors.fill: parent
@@ -65,6 +67,7 @@ FocusScope {
             onDeleteRequested: rows.deletePlaylist(playlistId)
         }
 
+        currentIndex: rows.selectedRow
         Keys.onReturnPressed: if (currentItem) currentItem.activated()
         Keys.onEnterPressed: if (currentItem) currentItem.activated()
         Keys.onMenuPressed: if (currentItem) currentItem.openMenu()

@@ -55,7 +55,8 @@ ItemDelegate {
         color: drop.containsDrag ? Qt.rgba(row.theme.highlight.r, row.theme.highlight.g, row.theme.highlight.b, 0.25)
              : row.selected ? row.theme.selection
              : row.hovered ? row.theme.placeholder : "transparent"
-        border.width: row.ListView.isCurrentItem && row.ListView.view.activeFocus ? 1 : 0
+        // The keyboard's place, where it is not the selection.
+        border.width: row.ListView.isCurrentItem && row.ListView.view.activeFocus && !row.selected ? 1 : 0
         border.color: row.theme.highlight
     }
 

@@ -154,12 +154,27 @@ void SidebarModel::updatePlaylists()
         m_rows.remove(m_fixedRows + wanted.size(), held - wanted.size());
         endRemoveRows();
     }
+    updateSelectedRow();
 }
 
 void SidebarModel::updateSelection()
 {
-    if (!m_rows.isEmpty())
-        Q_EMIT dataChanged(index(0), index(int(m_rows.size()) - 1), {SelectedRole});
+    Q_EMIT dataChanged(index(0), index(int(m_rows.size()) - 1), {SelectedRole});
+    updateSelectedRow();
+}
+
+void SidebarModel::updateSelectedRow()
+{
+    int found = -1;
+    const QString key = m_navigation ? m_navigation->selectionKey() : QString();
+    for (qsizetype row = 0; row < m_rows.size() && !key.isEmpty(); ++row) {
+        if (m_rows[row].key == key)
+            found = int(row);
+    }
+    if (found == m_selectedRow)
+        return;
+    m_selectedRow = found;
+    Q_EMIT selectedRowChanged();
 }
 
 void SidebarModel::createPlaylist(const QString &name)

@@ -18,6 +18,8 @@ class SidebarModel : public QAbstractListModel
     Q_PROPERTY(Navigation *navigation READ navigation WRITE setNavigation NOTIFY navigationChanged)
     Q_PROPERTY(LibraryStore *library READ library WRITE setLibrary NOTIFY libraryChanged)
     Q_PROPERTY(QString albumDragType READ albumDragType CONSTANT)
+    // The row of the selection; -1 when no row shows it (Random Albums, or a playlist not listed yet).
+    Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectedRowChanged)
 
 public:
     enum Role { KindRole = Qt::UserRole, KeyRole, TitleRole, IconRole, SectionRole, SelectedRole, PlaylistIdRole };
@@ -33,6 +35,7 @@ public:
     [[nodiscard]] LibraryStore *library() const { return m_library; }
     void setLibrary(LibraryStore *library);
     [[nodiscard]] static QString albumDragType();
+    [[nodiscard]] int selectedRow() const { return m_selectedRow; }
 
     // Each trims the name; a name of blanks does nothing. A created playlist is selected.
     Q_INVOKABLE void createPlaylist(const QString &name);
@@ -46,6 +49,7 @@ public:
 Q_SIGNALS:
     void navigationChanged();
     void libraryChanged();
+    void selectedRowChanged();
 
 private:
     struct Row {
@@ -58,10 +62,12 @@ private:
 
     void updatePlaylists();
     void updateSelection();
+    void updateSelectedRow();
     [[nodiscard]] QList<Row> playlistRows() const;
 
     QPointer<Navigation> m_navigation;
     QPointer<LibraryStore> m_library;
     QList<Row> m_rows;
     qsizetype m_fixedRows = 0;
+    int m_selectedRow = -1;
 };

@@ -52,6 +52,8 @@ const QHash<QString, char16_t> &glyphTable()
         {u"rectangle.portrait.and.arrow.right"_s, 0xe9ba}, // logout
         {u"magnifyingglass"_s, 0xe8b6}, // search
         {u"house"_s, 0xe88a}, // home
+        {u"clock"_s, 0xe8b5}, // schedule
+        {u"star"_s, 0xe838}, // star
         {u"hifispeaker"_s, 0xe32d}, // speaker
     };
     return table;
