@@ -17,13 +17,16 @@ using namespace Qt::StringLiterals;
 namespace {
 QCoro::Task<int> signIn(AppState &appState, QString url, QString user, QString password)
 {
+    // Each task is named before it is awaited: GCC 12 destroys temporaries of a co_await expression twice.
     try {
-        co_await appState.connect(url, user, password);
+        QCoro::Task<> connecting = appState.connect(url, user, password);
+        co_await connecting;
     } catch (...) {
         std::fprintf(stderr, "velto-demo-signin: the server refused the demo account\n");
         co_return 1;
     }
-    if (co_await Keychain::password(serverKey(appState.client()->config())) != password) {
+    QCoro::Task<std::optional<QString>> reading = Keychain::password(serverKey(appState.client()->config()));
+    if (co_await reading != password) {
         std::fprintf(stderr, "velto-demo-signin: no Secret Service took the password\n");
         co_return 2;
     }
@@ -45,7 +48,8 @@ int main(int argc, char *argv[])
     AppState appState(&settings);
     int result = 1;
     auto task = [&]() -> QCoro::Task<> {
-        result = co_await signIn(appState, args[1], args[2], args[3]);
+        QCoro::Task<int> signingIn = signIn(appState, args[1], args[2], args[3]);
+        result = co_await signingIn;
         app.quit();
     };
     QMetaObject::invokeMethod(&app, [&] { task(); }, Qt::QueuedConnection);

@@ -26,6 +26,7 @@ Button {
             height: width
             running: button.busy
             visible: button.busy
+            Accessible.ignored: !button.busy
         }
     }
 }

@@ -31,7 +31,7 @@ ItemDelegate {
     padding: 0
     leftPadding: 8
     focusPolicy: Qt.NoFocus
-    Accessible.role: kind === "newPlaylist" ? Accessible.Button : Accessible.ListItem
+    Accessible.role: Accessible.ListItem
     Accessible.name: title
     Accessible.selected: selected
 
@@ -60,8 +60,10 @@ ItemDelegate {
         border.color: row.theme.highlight
     }
 
+    // A click leaves the keyboard in the list, as in any sidebar.
     onClicked: {
         ListView.view.currentIndex = index
+        ListView.view.forceActiveFocus(Qt.MouseFocusReason)
         activated()
     }
     TapHandler {

@@ -1,15 +1,20 @@
 #!/usr/bin/python3
 """Walks Velto's accessibility tree over AT-SPI, as a screen reader sees it, and checks what a listener needs:
 every control that takes input says what it is, no name carries a mnemonic marker, and each screen's own
-controls are there by name.
+controls are there by name. First the connect screen, then the main window signed in to a small local server.
+(The window tests check the dialogs and menus, which open only on input, through Qt's side of the same tree.)
 
-    accessibility_walk.py VELTO_BINARY
+    accessibility_walk.py VELTO_BINARY SIGNIN_BINARY
 
-Runs inside test-env.sh --display --a11y, which provides the accessibility bus."""
+Runs inside test-env.sh --display --a11y, which provides the accessibility bus and a keyring."""
 
+import http.server
+import json
 import subprocess
 import sys
+import threading
 import time
+import urllib.parse
 
 import pyatspi
 
@@ -22,6 +27,35 @@ CONNECT_SCREEN = {
     ("check box", "Use legacy authentication"),
 }
 MENU_BAR = ["File", "Library", "Playback", "Help"]
+MAIN_WINDOW = {
+    ("push button", "Back"), ("text", "Search"), ("list", "Sidebar"), ("list item", "New Playlist"),
+    ("list item", "Home"), ("list item", "Artists"), ("list item", "Albums"), ("list item", "Songs"),
+    ("list item", "Downloads"), ("list item", "Recently Added"), ("list item", "Recently Played"),
+    ("list item", "Most Played"), ("list item", "Liked Songs"), ("list item", "Liked Albums"),
+    ("list item", "Top Rated"), ("list item", "Morning"), ("list item", "Workout"),
+}
+PLAYLISTS = [{"id": "p1", "name": "Morning"}, {"id": "p2", "name": "Workout"}]
+
+
+class FakeServer(http.server.BaseHTTPRequestHandler):
+    """Just enough of a music server for the main window to fill its sidebar."""
+
+    def do_GET(self):
+        endpoint = urllib.parse.urlparse(self.path).path.rsplit("/", 1)[-1].removesuffix(".view")
+        payload = {"status": "ok", "version": "1.16.1"}
+        if endpoint == "getPlaylists":
+            payload["playlists"] = {"playlist": PLAYLISTS}
+        elif endpoint == "getStarred2":
+            payload["starred2"] = {}
+        body = json.dumps({"subsonic-response": payload}).encode()
+        self.send_response(200)
+        self.send_header("Content-Type", "application/json")
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        self.wfile.write(body)
+
+    def log_message(self, *args):
+        pass
 
 
 def find_application(name, timeout=20):
@@ -47,7 +81,7 @@ def walk(node, depth=0, into=None):
     return into
 
 
-def problems_of(nodes):
+def unnamed_controls(nodes):
     found = []
     for _, role, name, description, node in nodes:
         if "&" in name:
@@ -55,9 +89,16 @@ def problems_of(nodes):
         showing = node.getState().contains(pyatspi.STATE_SHOWING)
         if role in INTERACTIVE and showing and not (name or (role == "password text" and description)):
             found.append(f"a {role} without a name")
+    return found
+
+
+def missing(nodes, expected, where):
     present = {(role, name) for _, role, name, _, _ in nodes}
-    for control in sorted(CONNECT_SCREEN - present):
-        found.append(f"the connect screen lacks the {control[0]} {control[1]!r}")
+    return [f"{where} lacks the {role} {name!r}" for role, name in sorted(expected - present)]
+
+
+def connect_screen_problems(nodes):
+    found = unnamed_controls(nodes) + missing(nodes, CONNECT_SCREEN, "the connect screen")
     if not any(role == "password text" and description == "Password" for _, role, _, description, _ in nodes):
         found.append("the password field does not say what it is")
     menus = [name for _, role, name, _, node in nodes if node.parent is not None
@@ -67,24 +108,56 @@ def problems_of(nodes):
     return found
 
 
-def main():
-    velto = subprocess.Popen([sys.argv[1]])
+def print_tree(nodes):
+    for depth, role, name, description, _ in nodes:
+        print("  " * depth + f"{role} {name!r}" + (f" ({description})" if description else ""))
+
+
+def walk_running(binary, check):
+    velto = subprocess.Popen([binary])
     try:
         app = find_application("Velto")
         if app is None:
-            print("Velto never appeared on the accessibility bus")
-            return 1
+            return ["Velto never appeared on the accessibility bus"]
         time.sleep(1)  # the window's first layout
-        nodes = walk(app)
-        problems = problems_of(nodes)
-        for depth, role, name, description, _ in nodes:
-            print("  " * depth + f"{role} {name!r}" + (f" ({description})" if description else ""))
-        for problem in problems:
-            print("FAIL:", problem)
-        return 1 if problems else 0
+        return check(app)
     finally:
         velto.terminate()
         velto.wait(timeout=20)
+
+
+def check_connect_screen(app):
+    nodes = walk(app)
+    print_tree(nodes)
+    return connect_screen_problems(nodes)
+
+
+def check_main_window(app):
+    deadline = time.monotonic() + 20
+    nodes = walk(app)
+    while missing(nodes, MAIN_WINDOW, "the main window") and time.monotonic() < deadline:
+        time.sleep(0.3)
+        nodes = walk(app)
+    print_tree(nodes)
+    return unnamed_controls(nodes) + missing(nodes, MAIN_WINDOW, "the main window")
+
+
+def main():
+    velto, signin = sys.argv[1], sys.argv[2]
+    problems = walk_running(velto, check_connect_screen)
+
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), FakeServer)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    url = f"http://127.0.0.1:{server.server_address[1]}"
+    if subprocess.run([signin, url, "walker", "secret"]).returncode != 0:
+        problems.append("could not sign in to the local server")
+    else:
+        problems += walk_running(velto, check_main_window)
+    server.shutdown()
+
+    for problem in problems:
+        print("FAIL:", problem)
+    return 1 if problems else 0
 
 
 if __name__ == "__main__":

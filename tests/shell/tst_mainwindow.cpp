@@ -11,6 +11,7 @@
 #include "shell/appcommands.h"
 #include "shell/navigation.h"
 
+#include <QAccessible>
 #include <QJsonArray>
 #include <QQmlExtensionPlugin>
 #include <QQuickStyle>
@@ -28,6 +29,23 @@ QList<QQuickItem *> itemsUnder(QQuickItem *root)
     for (QQuickItem *child : root->childItems())
         items << child << itemsUnder(child);
     return items;
+}
+
+// Controls on screen that a screen reader could not name, as Qt hands them to it.
+QStringList unnamedControls(QAccessibleInterface *node)
+{
+    static const QSet<QAccessible::Role> controls{
+        QAccessible::Button,   QAccessible::CheckBox, QAccessible::RadioButton, QAccessible::EditableText,
+        QAccessible::MenuItem, QAccessible::ListItem, QAccessible::Slider,      QAccessible::SpinBox,
+        QAccessible::ComboBox, QAccessible::PageTab,  QAccessible::Cell};
+    QStringList found;
+    if (!node || node->state().invisible)
+        return found;
+    if (controls.contains(node->role()) && node->text(QAccessible::Name).isEmpty())
+        found << QString::number(node->role());
+    for (int i = 0; i < node->childCount(); ++i)
+        found << unnamedControls(node->child(i));
+    return found;
 }
 }
 
@@ -76,6 +94,7 @@ class MainWindowTest : public QObject
     {
         QVERIFY(dialog);
         QTRY_VERIFY(dialog->property("opened").toBool());
+        QCOMPARE(unnamedControls(QAccessible::queryAccessibleInterface(running->window)), QStringList());
         QTest::keySequence(running->window, QKeySequence::SelectAll);
         running->type(name);
         QTest::keyClick(running->window, Qt::Key_Return);
@@ -93,6 +112,7 @@ class MainWindowTest : public QObject
             }
             return nullptr;
         }()));
+        QCOMPARE(unnamedControls(QAccessible::queryAccessibleInterface(running->window)), QStringList());
         running->click(item);
     }
 
@@ -174,6 +194,23 @@ private Q_SLOTS:
         QTRY_COMPARE(navigation()->depth(), 0);
     }
 
+    // The arrows and Return choose in the sidebar, and Tab goes on to the search field.
+    void theSidebarWorksFromTheKeyboard()
+    {
+        running->click(sidebarRow(u"Home"_s));
+        QTRY_VERIFY(sidebarList()->hasActiveFocus());
+        QTest::keyClick(running->window, Qt::Key_Down);
+        QTest::keyClick(running->window, Qt::Key_Down);
+        QTest::keyClick(running->window, Qt::Key_Return);
+        QTRY_COMPARE(navigation()->selectionKey(), u"item:albums"_s);
+        QTest::keyClick(running->window, Qt::Key_Tab);
+        QTRY_VERIFY(running->find(u"searchField"_s)->hasActiveFocus());
+        running->type(u"blue"_s);
+        QCOMPARE(navigation()->searchText(), u"blue"_s);
+        running->click(sidebarRow(u"Home"_s)); // a new place clears the search
+        QTRY_COMPARE(running->find(u"searchField"_s)->property("text").toString(), QString());
+    }
+
     void playlistsAreMadeRenamedAndDeletedFromTheSidebar()
     {
         running->click(sidebarRow(u"New Playlist"_s));
@@ -211,6 +248,7 @@ private Q_SLOTS:
         QCOMPARE(navigation()->selectionKey(), u"item:songs"_s);
         QCOMPARE(navigation()->depth(), 1);
         QTRY_COMPARE(pageTitle(), u"Blue Train"_s);
+        QTRY_VERIFY(sidebarList()->hasActiveFocus()); // the keyboard starts in the sidebar
         navigation()->popToRoot();
     }
 

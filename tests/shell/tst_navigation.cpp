@@ -1,6 +1,7 @@
 // Where the user is in the main window: the accent that comes back on stepping back, the place kept for the next
 // start and refused for another account, a new selection landing at its root, and albums dropped on a playlist.
 
+#include "../playback/playertesthelpers.h"
 #include "awaittask.h"
 #include "fakesubsonicserver.h"
 #include "library/librarystore.h"
@@ -145,6 +146,20 @@ private Q_SLOTS:
         auto navigation = openNavigation();
         QCOMPARE(navigation->selectionKey(), u"item:home"_s);
         QCOMPARE(navigation->depth(), 0);
+    }
+
+    // Space is the play key only while there is something to play; otherwise it goes on to the focused control.
+    void spaceTogglesPlayOnlyWithACurrentSong()
+    {
+        Player player;
+        auto navigation = openNavigation();
+        QVERIFY(!navigation->spacePressed());
+        navigation->setProperty("player", QVariant::fromValue(&player.controller));
+        QVERIFY(!navigation->spacePressed());
+        player.play(u"a b"_s);
+        const bool playing = player.controller.isPlaying();
+        QVERIFY(navigation->spacePressed());
+        QCOMPARE(player.controller.isPlaying(), !playing);
     }
 
     // The first album brings its songs; the second must be fetched, fails, and is added by the banner's retry.
