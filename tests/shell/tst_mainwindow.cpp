@@ -10,8 +10,13 @@
 #include "server/keychain.h"
 #include "shell/appcommands.h"
 #include "shell/navigation.h"
+#include "shell/theme.h"
+#include "testdata.h"
 
 #include <QAccessible>
+#include <QBuffer>
+#include <QQmlComponent>
+#include <QSignalSpy>
 #include <QJsonArray>
 #include <QQmlExtensionPlugin>
 #include <QQuickStyle>
@@ -64,6 +69,8 @@ class MainWindowTest : public QObject
 
     QQuickItem *sidebarRow(const QString &title) const
     {
+        if (!sidebarList())
+            return nullptr; // not signed in yet
         for (QQuickItem *row : itemsUnder(sidebarList())) {
             if (row->property("kind").isValid() && row->property("title").toString() == title && row->isVisible())
                 return row;
@@ -131,7 +138,7 @@ private Q_SLOTS:
         });
         server.on(u"updatePlaylist"_s, [this](const RecordedRequest &request) {
             for (auto &[id, name] : playlists) {
-                if (id == request.value(u"playlistId"_s))
+                if (id == request.value(u"playlistId"_s) && request.names().contains(u"name"_s))
                     name = request.value(u"name"_s);
             }
             return FakeSubsonicServer::json({});
@@ -273,6 +280,59 @@ private Q_SLOTS:
         QTRY_VERIFY(navigation()->faultShownFullPage());
         QVERIFY(!running->find(u"connectionBanner"_s)->isVisible());
         QVERIFY(saveScreenshot(running->window, u"main-full-page"_s));
+    }
+
+    // Covers through the image provider, with their placeholder; the like and add-to-playlist menu pieces.
+    void theSharedPiecesDrawCoversAndFillTheirMenus()
+    {
+        QImage red(64, 64, QImage::Format_RGB32);
+        red.fill(Qt::red);
+        QByteArray png;
+        QBuffer buffer(&png);
+        red.save(&buffer, "PNG");
+        server.on(u"getCoverArt"_s, FakeResponse{.contentType = "image/png", .body = png});
+        server.on(u"getPlaylists"_s, [this](const RecordedRequest &) { return FakeSubsonicServer::json(playlistList()); });
+        playlists = {{u"p1"_s, u"Morning"_s}};
+        server.clearLog();
+        QVERIFY(restart(running));
+        QTRY_VERIFY(sidebarRow(u"Morning"_s));
+
+        // Placed beside the screens, as a screen of the module uses them.
+        QQmlComponent component(&running->engine);
+        component.setData(readFile(QStringLiteral(VELTO_SHARED_PIECES_QML)), QUrl(u"qrc:/Velto/SharedPieces.qml"_s));
+        QVERIFY2(component.isReady(), qPrintable(component.errorString()));
+        std::unique_ptr<QObject> made(component.createWithInitialProperties(
+            {{u"theme"_s, QVariant::fromValue(running->app.theme())},
+             {u"library"_s, QVariant::fromValue(running->app.appState()->library())}}));
+        QVERIFY2(made, qPrintable(component.errorString()));
+        auto *pieces = qobject_cast<QQuickItem *>(made.get());
+        pieces->setParentItem(running->window->contentItem());
+        pieces->setPosition({240, 200});
+        auto *cover = pieces->findChild<QQuickItem *>(u"cover"_s);
+        QSignalSpy loaded(cover, SIGNAL(imageLoaded()));
+        QTRY_COMPARE(loaded.count(), 1);
+        QTRY_VERIFY(server.count(u"getCoverArt"_s) >= 5); // the mosaic's four, each at half the size
+        QVERIFY(saveScreenshot(running->window, u"shared-covers"_s));
+        const QImage shown = running->window->grabWindow();
+        const QPoint middle = cover->mapToScene({60, 60}).toPoint();
+        QCOMPARE(shown.pixelColor(middle), QColor(Qt::red));
+        QVERIFY(shown.pixelColor(cover->mapToScene({0.5, 0.5}).toPoint()) != QColor(Qt::red)); // a rounded corner
+
+        auto *like = pieces->findChild<QObject *>(u"like"_s);
+        QCOMPARE(like->property("text").toString(), u"Like"_s);
+        auto *add = pieces->findChild<QObject *>(u"addToPlaylist"_s);
+        QCOMPARE(add->property("title").toString(), u"Add to Playlist"_s);
+        // "Morning", the hidden "No Playlists", a separator and "New Playlist…".
+        QTRY_COMPARE(add->property("count").toInt(), 4);
+        QQuickItem *newPlaylist = nullptr;
+        QMetaObject::invokeMethod(add, "itemAt", Q_RETURN_ARG(QQuickItem *, newPlaylist), Q_ARG(int, 3));
+        QCOMPARE(newPlaylist->property("text").toString(), u"New Playlist…"_s);
+        QMetaObject::invokeMethod(newPlaylist, "triggered");
+        QTRY_COMPARE(server.count(u"updatePlaylist"_s), 1);
+        const RecordedRequest added = server.requests(u"updatePlaylist"_s).constFirst();
+        QCOMPARE(added.value(u"songIdToAdd"_s), u"s1"_s);
+        QCOMPARE(playlists.constLast().second, u"From the menu"_s);
+        QCOMPARE(added.value(u"playlistId"_s), playlists.constLast().first);
     }
 
     void cleanupTestCase() { running.reset(); }
