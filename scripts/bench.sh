@@ -10,7 +10,12 @@ if [ ! -f "$build/build.ninja" ]; then
   cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELTO_BUILD_TESTS=OFF >&2
 fi
 cmake --build "$build" >&2
-# Each benchmark runs in fresh folders with a keyring of its own, on the offscreen platform.
+# Each benchmark runs in fresh folders with a keyring of its own, on the offscreen platform; start-up and idle
+# frames on a real X server.
 for bench in "$build"/bench/bench_*; do
-  if [ -f "$bench" ] && [ -x "$bench" ]; then bash scripts/test-env.sh --keyring -- "$bench"; fi
+  if [ -f "$bench" ] && [ -x "$bench" ]; then
+    display=()
+    if [ "$(basename "$bench")" = bench_startup ]; then display=(--display); fi
+    bash scripts/test-env.sh --keyring "${display[@]}" -- "$bench"
+  fi
 done

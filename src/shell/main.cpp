@@ -7,7 +7,6 @@
 #include <clocale>
 #include <QGuiApplication>
 #include <QIcon>
-#include <QLoggingCategory>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickStyle>
@@ -16,8 +15,6 @@
 Q_IMPORT_QML_PLUGIN(VeltoPlugin)
 
 using namespace Qt::StringLiterals;
-
-Q_LOGGING_CATEGORY(lcStartup, "velto.startup", QtWarningMsg)
 
 int main(int argc, char *argv[])
 {
@@ -42,8 +39,5 @@ int main(int argc, char *argv[])
     QQuickWindow *window = loadMainWindow(engine, velto);
     if (!window)
         return 1;
-    // For measuring start-up time from outside: QT_LOGGING_RULES="velto.startup.info=true".
-    QObject::connect(window, &QQuickWindow::frameSwapped, window, [] { qCInfo(lcStartup, "first frame"); },
-                     Qt::SingleShotConnection);
     return app.exec();
 }

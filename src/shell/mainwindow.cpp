@@ -7,10 +7,15 @@
 #include "veltoapp.h"
 #include "windowsizekeeper.h"
 
+#include <QLoggingCategory>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 
 using namespace Qt::StringLiterals;
+
+// For measuring start-up from outside: QT_LOGGING_RULES="velto.startup.info=true" logs the window's first frame
+// and the first frame that shows the main view.
+Q_LOGGING_CATEGORY(lcStartup, "velto.startup", QtWarningMsg)
 
 QQuickWindow *loadMainWindow(QQmlApplicationEngine &engine, VeltoApp &app)
 {
@@ -29,7 +34,12 @@ QQuickWindow *loadMainWindow(QQmlApplicationEngine &engine, VeltoApp &app)
         return nullptr;
     new WindowSizeKeeper(window, app.settings(), u"mainWindowSize"_s, window);
     QObject::connect(window, &QQuickWindow::frameSwapped, &app, [&app] {
+        qCInfo(lcStartup, "first frame");
         QMetaObject::invokeMethod(&app, &VeltoApp::windowShown, Qt::QueuedConnection);
     }, Qt::SingleShotConnection);
+    QObject::connect(&app, &VeltoApp::mainViewStarted, window, [window] {
+        QObject::connect(window, &QQuickWindow::frameSwapped, window, [] { qCInfo(lcStartup, "main view frame"); },
+                         Qt::SingleShotConnection);
+    });
     return window;
 }

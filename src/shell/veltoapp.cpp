@@ -60,6 +60,7 @@ void VeltoApp::mainViewAppeared()
     LibraryStore *library = m_appState->library();
     if (!client || !library)
         return;
+    Q_EMIT mainViewStarted();
     library->ensurePlaylistsLoaded();
     library->ensureStarredLoaded();
     if (isLikelyLocalHost(client->config().baseURL.host(QUrl::FullyEncoded)))

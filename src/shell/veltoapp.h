@@ -65,8 +65,11 @@ public:
     // downloads' manifest and the settings. At quit, and when the desktop session asks before it ends.
     void saveState();
 
-private:
+Q_SIGNALS:
+    // A main view has appeared and will be in the next frame.
+    void mainViewStarted();
 
+private:
     QSettings m_settings;
     std::unique_ptr<AppState> m_appState;
     std::unique_ptr<MpvAudioEngine> m_engine;
