@@ -1,7 +1,10 @@
 #include "keychain.h"
 
-#include <QCoroSignal>
+#include <QCoreApplication>
+#include <QCoroFuture>
 #include <QEventLoop>
+#include <QPromise>
+#include <QThread>
 #include <QStringDecoder>
 #include <QTimer>
 
@@ -22,16 +25,38 @@ JobType *makeJob(const QString &account)
     return job;
 }
 
+// Every job runs on a thread of its own: the keyring takes several round trips, which then go on while the main
+// thread is still busy loading the window, so that a saved account is ready by the first frame. One thread for
+// all, since the keychain library keeps shared state that must not be reached from two.
+QThread *keyringThread()
+{
+    static QThread *const thread = [] {
+        auto *worker = new QThread;
+        worker->setObjectName(QStringLiteral("keyring"));
+        worker->start();
+        qAddPostRoutine([] {
+            thread->quit();
+            thread->wait();
+        });
+        return worker;
+    }();
+    return thread;
+}
+
 // Runs the job to its end. The caller reads its outcome and then lets go of it with deleteLater.
 QCoro::Task<> run(QKeychain::Job *job)
 {
     ++pendingJobs;
-    bool finished = false;
-    QObject::connect(job, &QKeychain::Job::finished, job, [&finished] { finished = true; });
-    job->start();
-    // A job may fail at once, inside start().
-    if (!finished)
-        co_await qCoro(job, &QKeychain::Job::finished);
+    auto promise = std::make_shared<QPromise<void>>();
+    QFuture<void> finished = promise->future();
+    promise->start();
+    job->moveToThread(keyringThread());
+    QMetaObject::invokeMethod(job, [job, promise] {
+        // Connected before the start, since a job may fail at once, inside start().
+        QObject::connect(job, &QKeychain::Job::finished, job, [promise] { promise->finish(); });
+        job->start();
+    }, Qt::QueuedConnection);
+    co_await finished;
     --pendingJobs;
 }
 }
