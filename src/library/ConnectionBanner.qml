@@ -14,10 +14,14 @@ Item {
     implicitHeight: panel.implicitHeight
     visible: opacity > 0
     opacity: content.shown ? 1 : 0
+    // Moves only while it can be seen: a hidden banner whose height settles must not keep the window drawing.
     Behavior on opacity { NumberAnimation { duration: 200 } }
     transform: Translate {
         y: content.shown ? 0 : -banner.height
-        Behavior on y { NumberAnimation { duration: 200; easing.type: Easing.OutCubic } }
+        Behavior on y {
+            enabled: banner.visible || content.shown
+            NumberAnimation { duration: 200; easing.type: Easing.OutCubic }
+        }
     }
 
     ConnectionBannerModel {

@@ -35,6 +35,9 @@ FocusScope {
         focus: true
         activeFocusOnTab: true
         keyNavigationEnabled: true
+        // There is no highlight to move: without these the view animates an invisible one at every selection.
+        highlightMoveDuration: 0
+        highlightResizeDuration: 0
         boundsBehavior: Flickable.StopAtBounds
         clip: true
         Accessible.role: Accessible.List
