@@ -65,6 +65,7 @@ class MainWindowTest : public QObject
     int madePlaylists = 0;
 
     Navigation *navigation() const { return running->find<Navigation>(u"navigation"_s); }
+    static Artist coltrane() { return Artist{.id = u"ar1"_s, .name = u"John Coltrane"_s}; }
     QQuickItem *sidebarList() const { return running->find(u"sidebarList"_s); }
 
     QQuickItem *sidebarRow(const QString &title) const
@@ -183,7 +184,7 @@ private Q_SLOTS:
         auto *back = running->find(u"backButton"_s);
         QVERIFY(!back->isEnabled());
         navigation()->push(Album{.id = u"al1"_s, .name = u"Blue Train"_s});
-        navigation()->push(Artist{.id = u"ar1"_s, .name = u"John Coltrane"_s});
+        navigation()->push(coltrane());
         QTRY_COMPARE(pageTitle(), u"John Coltrane"_s);
         QVERIFY(back->isEnabled());
         QVERIFY(saveScreenshot(running->window, u"main-pushed-page"_s));
@@ -199,6 +200,26 @@ private Q_SLOTS:
         const QPoint inSidebar = sidebarList()->mapToScene({20, sidebarList()->height() - 20}).toPoint();
         QTest::mouseDClick(running->window, Qt::LeftButton, {}, inSidebar);
         QTRY_COMPARE(navigation()->depth(), 0);
+
+        navigation()->push(coltrane());
+        QTest::mouseClick(running->window, Qt::BackButton, {}, QPoint(running->window->width() / 2, 300));
+        QTRY_COMPARE(navigation()->depth(), 0);
+    }
+
+    // A screen's colour washes the top of the window and the sidebar, and fades away when the screen goes.
+    void theAccentWashesTheTopOfTheWindow()
+    {
+        const auto tint = [this](int x) {
+            const QImage shown = running->window->grabWindow();
+            return shown.pixelColor(x, 80).red() - shown.pixelColor(x, shown.height() - 10).red();
+        };
+        navigation()->push(coltrane());
+        navigation()->reportAccent(1, QColor(255, 0, 0));
+        QTRY_VERIFY(tint(running->window->width() - 100) > 20);
+        QVERIFY(tint(sidebarList()->mapToScene({sidebarList()->width() + 3, 0}).x()) > 20); // the sidebar too
+        QVERIFY(saveScreenshot(running->window, u"main-accent"_s));
+        navigation()->back();
+        QTRY_VERIFY(tint(running->window->width() - 100) < 3);
     }
 
     // The arrows and Return choose in the sidebar, and Tab goes on to the search field.
