@@ -110,6 +110,21 @@ QList<Song> DownloadManifest::songsOwnedBy(const QString &key) const
     return owned;
 }
 
+QHash<QString, CollectionContents> DownloadManifest::songsByCollection() const
+{
+    QHash<QString, CollectionContents> contents;
+    for (const DownloadedSong &record : songs) {
+        for (const QString &owner : record.owners) {
+            CollectionContents &collection = contents[owner];
+            collection.songs.append(record.song);
+            collection.bytes = saturatingAdd(collection.bytes, record.bytes);
+        }
+    }
+    for (CollectionContents &collection : contents)
+        std::stable_sort(collection.songs.begin(), collection.songs.end(), playsBefore);
+    return contents;
+}
+
 qint64 DownloadManifest::bytesOwnedBy(const QString &key) const
 {
     qint64 sum = 0;

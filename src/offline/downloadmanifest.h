@@ -57,6 +57,12 @@ struct ReleasedSongFile {
 [[nodiscard]] QString albumCollectionKey(const QString &albumId);
 [[nodiscard]] QString playlistCollectionKey(const QString &playlistId);
 
+// What one collection holds on disk, in the order it plays.
+struct CollectionContents {
+    QList<Song> songs;
+    qint64 bytes = 0; // a song shared with another collection counts in full for each
+};
+
 struct DownloadManifest {
     QHash<QString, DownloadedSong> songs; // by song id
     QHash<QString, DownloadCollection> collections; // by key: only downloads that ran to their end
@@ -65,6 +71,8 @@ struct DownloadManifest {
     // Sorted by disc, then track (absent counts as 0), then title by plain comparison. A stored playlist has no
     // order of its own, so it comes back in this order too.
     [[nodiscard]] QList<Song> songsOwnedBy(const QString &key) const;
+    // Every collection's songs and size from one walk over the songs, for screens that show them all.
+    [[nodiscard]] QHash<QString, CollectionContents> songsByCollection() const;
     // A song shared with another collection counts in full for each.
     [[nodiscard]] qint64 bytesOwnedBy(const QString &key) const;
     [[nodiscard]] qint64 totalBytes() const;

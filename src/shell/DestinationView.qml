@@ -7,22 +7,36 @@ Loader {
     id: destination
     required property string kind
     required property string title
+    // The pushed album's or artist's record; empty for a root.
+    required property var record
     // 0 for the root under the stack.
     required property int depth
     required property Theme theme
     required property Navigation navigation
     required property LibraryStore library
     required property DownloadStore downloads
+    required property PlayerController player
 
     // A screen's own colour for the window.
     function onAccent(color) { navigation.reportAccent(depth, color) }
 
-    sourceComponent: placeholder
+    sourceComponent: kind === "downloads" ? downloadsView : placeholder
 
+    Component {
+        id: downloadsView
+        DownloadsView {
+            theme: destination.theme
+            downloads: destination.downloads
+            player: destination.player
+            navigation: destination.navigation
+        }
+    }
     Component {
         id: placeholder
         PlaceholderView {
+            kind: destination.kind
             title: destination.title
+            record: destination.record
             theme: destination.theme
             navigation: destination.navigation
             library: destination.library

@@ -108,11 +108,13 @@ FocusScope {
                     visible: navigator.depth === 0
                     kind: navigator.rootKind
                     title: navigator.rootTitle
+                    record: ({})
                     depth: 0
                     theme: view.theme
                     navigation: navigator
                     library: view.library
                     downloads: view.downloads
+                    player: view.app.player
                 }
                 Repeater {
                     model: navigator.stack
@@ -125,6 +127,7 @@ FocusScope {
                         navigation: navigator
                         library: view.library
                         downloads: view.downloads
+                        player: view.app.player
                     }
                 }
                 ConnectionBanner {

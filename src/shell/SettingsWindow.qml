@@ -77,6 +77,14 @@ Window {
 
         MenuSeparator { Layout.fillWidth: true }
 
+        DownloadsStorageSection {
+            Layout.fillWidth: true
+            theme: window.app.theme
+            downloads: window.app.appState.downloads
+        }
+
+        MenuSeparator { Layout.fillWidth: true }
+
         Button {
             objectName: "settingsLogOut"
             Layout.alignment: Qt.AlignLeft

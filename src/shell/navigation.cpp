@@ -4,6 +4,7 @@
 #include "library/librarystore.h"
 #include "playback/playercontroller.h"
 #include "server/appstate.h"
+#include "server/json.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,12 +23,14 @@ QVariant NavigationStack::data(const QModelIndex &index, int role) const
         case KindRole: return u"album"_s;
         case TitleRole: return album->name;
         case IdRole: return album->id;
+        case RecordRole: return album->toJson();
         }
     } else if (const auto *artist = std::get_if<Artist>(&entry)) {
         switch (role) {
         case KindRole: return u"artist"_s;
         case TitleRole: return artist->name;
         case IdRole: return artist->id;
+        case RecordRole: return artist->toJson();
         }
     } else {
         const auto &grid = std::get<AlbumGridDestination>(entry);
@@ -35,6 +38,7 @@ QVariant NavigationStack::data(const QModelIndex &index, int role) const
         case KindRole: return u"grid"_s;
         case TitleRole: return grid.title;
         case IdRole: return albumListTypeName(grid.listType);
+        case RecordRole: return QJsonObject();
         }
     }
     return {};
@@ -42,7 +46,7 @@ QVariant NavigationStack::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> NavigationStack::roleNames() const
 {
-    return {{KindRole, "kind"}, {TitleRole, "title"}, {IdRole, "entryId"}};
+    return {{KindRole, "kind"}, {TitleRole, "title"}, {IdRole, "entryId"}, {RecordRole, "record"}};
 }
 
 void NavigationStack::push(NavigationEntry entry)
@@ -173,6 +177,14 @@ void Navigation::pushGrid(const QString &listType, const QString &title)
 {
     if (const std::optional<AlbumListType> type = albumListTypeFromName(listType))
         push(AlbumGridDestination{*type, title});
+}
+
+void Navigation::pushAlbum(const QJsonObject &album)
+{
+    try {
+        push(Album::fromJson(album));
+    } catch (const Json::DecodeError &) {
+    }
 }
 
 void Navigation::back()

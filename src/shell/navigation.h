@@ -25,7 +25,7 @@ class NavigationStack : public QAbstractListModel
     QML_UNCREATABLE("Owned by the navigation")
 
 public:
-    enum Role { KindRole = Qt::UserRole, TitleRole, IdRole };
+    enum Role { KindRole = Qt::UserRole, TitleRole, IdRole, RecordRole };
 
     using QAbstractListModel::QAbstractListModel;
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
@@ -91,6 +91,8 @@ public:
     Q_INVOKABLE void selectKey(const QString &key);
     void push(NavigationEntry entry);
     Q_INVOKABLE void pushGrid(const QString &listType, const QString &title);
+    // The album's record; one that does not decode pushes nothing.
+    Q_INVOKABLE void pushAlbum(const QJsonObject &album);
     Q_INVOKABLE void back();
     Q_INVOKABLE void popToRoot();
     // A screen's own colour: `depth` 0 is the root, which counts only while nothing is pushed over it.

@@ -39,6 +39,13 @@ class Theme : public QObject
     Q_PROPERTY(int toolbarHeight MEMBER toolbarHeight CONSTANT)
     Q_PROPERTY(int rowHeight MEMBER rowHeight CONSTANT)
     Q_PROPERTY(int titleSize MEMBER titleSize CONSTANT)
+    Q_PROPERTY(int headlineSize MEMBER headlineSize CONSTANT)
+    Q_PROPERTY(int captionSize MEMBER captionSize CONSTANT)
+    Q_PROPERTY(int gridSpacing MEMBER gridSpacing CONSTANT)
+    Q_PROPERTY(int collectionCellWidth MEMBER collectionCellWidth CONSTANT)
+    Q_PROPERTY(int coverRadius MEMBER coverRadius CONSTANT)
+    Q_PROPERTY(double hoverScale MEMBER hoverScale CONSTANT)
+    Q_PROPERTY(int storageListHeight MEMBER storageListHeight CONSTANT)
     Q_PROPERTY(int pageMargin MEMBER pageMargin CONSTANT)
     Q_PROPERTY(int playbackBarBand MEMBER playbackBarBand CONSTANT)
     Q_PROPERTY(int bannerMaxWidth MEMBER bannerMaxWidth CONSTANT)
@@ -77,6 +84,16 @@ public:
     const int toolbarHeight = 44;
     const int rowHeight = 28;
     const int titleSize = 26;
+    const int headlineSize = 17;
+    const int captionSize = 12;
+    // Grids of covers: the spacing between cells, the narrowest a cell gets, the rounding of its cover, and how
+    // much a cover grows under the pointer.
+    const int gridSpacing = 28;
+    const int collectionCellWidth = 160;
+    const int coverRadius = 6;
+    const double hoverScale = 1.02;
+    // The settings' list of downloads scrolls past this height.
+    const int storageListHeight = 180;
     const int pageMargin = 24;
     // Under the content, where the playback bar floats.
     const int playbackBarBand = 78;

@@ -1,0 +1,120 @@
+import QtQuick
+import QtQuick.Controls
+import Velto
+
+// The Downloads screen: every album and playlist kept on this computer, in two sections of cells, or a note on how
+// to keep one when there are none.
+Item {
+    id: page
+    required property Theme theme
+    required property DownloadStore downloads
+    required property PlayerController player
+    required property Navigation navigation
+    readonly property real cellWidth: (list.width - 2 * theme.pageMargin - (screen.columns - 1) * theme.gridSpacing)
+                                      / screen.columns
+
+    DownloadsScreen {
+        id: screen
+        store: page.downloads
+        player: page.player
+        columns: Math.max(1, Math.floor((list.width - 2 * page.theme.pageMargin + page.theme.gridSpacing)
+                                        / (page.theme.collectionCellWidth + page.theme.gridSpacing)))
+        onOpenPlaylist: playlistId => page.navigation.selectKey("playlist:" + playlistId)
+        onOpenAlbum: album => page.navigation.pushAlbum(album)
+    }
+
+    Column {
+        objectName: "downloadsEmpty"
+        visible: screen.isEmpty
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 2 * page.theme.pageMargin, 360)
+        spacing: 10
+
+        SymbolIcon {
+            anchors.horizontalCenter: parent.horizontalCenter
+            symbol: "arrow.down.circle"
+            size: 44
+            color: page.theme.tertiaryText
+        }
+        Label {
+            width: parent.width
+            horizontalAlignment: Text.AlignHCenter
+            text: qsTr("No Downloads")
+            color: page.theme.text
+            font.pixelSize: page.theme.headlineSize
+            font.weight: Font.Bold
+            Accessible.role: Accessible.Heading
+        }
+        Label {
+            width: parent.width
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.WordWrap
+            text: qsTr("Download an album or playlist to keep it on this computer and play it without a connection.")
+            color: page.theme.secondaryText
+        }
+    }
+
+    ListView {
+        id: list
+        objectName: "downloadsList"
+        anchors.fill: parent
+        visible: !screen.isEmpty
+        model: screen.rows
+        spacing: page.theme.gridSpacing
+        boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: false
+        ScrollBar.vertical: ScrollBar {}
+
+        header: Column {
+            x: page.theme.pageMargin
+            width: list.width - 2 * page.theme.pageMargin
+            topPadding: page.theme.pageMargin
+            spacing: 4
+
+            Label {
+                width: parent.width
+                text: qsTr("Downloads")
+                color: page.theme.text
+                font.pixelSize: page.theme.titleSize
+                font.weight: Font.Bold
+                elide: Text.ElideRight
+                Accessible.role: Accessible.Heading
+            }
+            Label {
+                objectName: "downloadsCaption"
+                width: parent.width
+                text: screen.caption
+                color: page.theme.secondaryText
+            }
+        }
+        section.property: "section"
+        section.delegate: Label {
+            required property string section
+            x: page.theme.pageMargin
+            topPadding: page.theme.pageMargin
+            bottomPadding: 12
+            text: section
+            color: page.theme.text
+            font.pixelSize: page.theme.headlineSize
+            font.weight: Font.Bold
+            Accessible.role: Accessible.Heading
+        }
+        delegate: Row {
+            required property var cells
+            x: page.theme.pageMargin
+            spacing: page.theme.gridSpacing
+
+            Repeater {
+                model: cells
+                DownloadedCollectionCell {
+                    required property var modelData
+                    width: page.cellWidth
+                    cell: modelData
+                    theme: page.theme
+                    screen: screen
+                }
+            }
+        }
+        footer: Item { height: page.theme.pageMargin }
+    }
+}
