@@ -6,10 +6,11 @@ import Velto
 // hover a play button lies in the cover's corner; the context menu plays it or removes the download.
 AbstractButton {
     id: cell
-    required property var cell
+    // The collection's row: key, name, caption, covers, canOpen.
+    required property var collection
     required property Theme theme
     required property DownloadsScreen screen
-    readonly property string key: cell.key
+    readonly property string key: collection.key
 
     function openMenu() { menu.popup(cell, cover.width / 2, cover.height / 2) }
 
@@ -17,8 +18,8 @@ AbstractButton {
     focusPolicy: Qt.TabFocus
     implicitHeight: cover.height + 8 + nameLabel.implicitHeight + captionLabel.implicitHeight
     Accessible.role: Accessible.Button
-    Accessible.name: cell.cell.name
-    Accessible.description: cell.cell.caption
+    Accessible.name: cell.collection.name
+    Accessible.description: cell.collection.caption
 
     onClicked: screen.open(key)
     Keys.onMenuPressed: openMenu()
@@ -55,7 +56,7 @@ AbstractButton {
             CollectionArtworkView {
                 anchors.fill: parent
                 theme: cell.theme
-                covers: cell.cell.covers
+                covers: cell.collection.covers
                 cornerRadius: cell.theme.coverRadius
             }
             Rectangle {
@@ -74,7 +75,7 @@ AbstractButton {
                 width: 36
                 height: 36
                 focusPolicy: Qt.NoFocus
-                Accessible.name: qsTr("Play %1").arg(cell.cell.name)
+                Accessible.name: qsTr("Play %1").arg(cell.collection.name)
                 contentItem: SymbolIcon {
                     symbol: "play.fill"
                     size: 20
@@ -90,7 +91,7 @@ AbstractButton {
         Label {
             id: nameLabel
             anchors { top: cover.bottom; topMargin: 8; left: parent.left; right: parent.right }
-            text: cell.cell.name
+            text: cell.collection.name
             color: cell.theme.text
             font.weight: Font.DemiBold
             elide: Text.ElideRight
@@ -98,14 +99,14 @@ AbstractButton {
         Label {
             id: captionLabel
             anchors { top: nameLabel.bottom; left: parent.left; right: parent.right }
-            text: cell.cell.caption
+            text: cell.collection.caption
             color: cell.theme.secondaryText
             font.pixelSize: cell.theme.captionSize
             elide: Text.ElideRight
         }
     }
     HoverHandler {
-        cursorShape: cell.cell.canOpen ? Qt.PointingHandCursor : Qt.ArrowCursor
+        cursorShape: cell.collection.canOpen ? Qt.PointingHandCursor : Qt.ArrowCursor
     }
     TapHandler {
         acceptedButtons: Qt.RightButton

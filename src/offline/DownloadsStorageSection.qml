@@ -68,6 +68,7 @@ ColumnLayout {
                 opacity: 0.7
             }
             ToolButton {
+                id: trash
                 Accessible.name: qsTr("Remove Download")
                 Accessible.description: name
                 ToolTip.visible: hovered
@@ -75,7 +76,9 @@ ColumnLayout {
                 contentItem: SymbolIcon {
                     symbol: "trash"
                     size: 16
-                    color: section.theme.secondaryText
+                    // The settings window keeps the desktop's own colours.
+                    color: trash.palette.windowText
+                    opacity: 0.7
                 }
                 onClicked: storage.remove(key)
             }

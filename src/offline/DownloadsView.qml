@@ -10,11 +10,11 @@ Item {
     required property DownloadStore downloads
     required property PlayerController player
     required property Navigation navigation
-    readonly property real cellWidth: (list.width - 2 * theme.pageMargin - (screen.columns - 1) * theme.gridSpacing)
-                                      / screen.columns
+    readonly property real cellWidth: (list.width - 2 * theme.pageMargin - (downloadsScreen.columns - 1) * theme.gridSpacing)
+                                      / downloadsScreen.columns
 
     DownloadsScreen {
-        id: screen
+        id: downloadsScreen
         store: page.downloads
         player: page.player
         columns: Math.max(1, Math.floor((list.width - 2 * page.theme.pageMargin + page.theme.gridSpacing)
@@ -25,7 +25,7 @@ Item {
 
     Column {
         objectName: "downloadsEmpty"
-        visible: screen.isEmpty
+        visible: downloadsScreen.isEmpty
         anchors.centerIn: parent
         width: Math.min(parent.width - 2 * page.theme.pageMargin, 360)
         spacing: 10
@@ -58,8 +58,8 @@ Item {
         id: list
         objectName: "downloadsList"
         anchors.fill: parent
-        visible: !screen.isEmpty
-        model: screen.rows
+        visible: !downloadsScreen.isEmpty
+        model: downloadsScreen.rows
         spacing: page.theme.gridSpacing
         boundsBehavior: Flickable.StopAtBounds
         activeFocusOnTab: false
@@ -83,7 +83,7 @@ Item {
             Label {
                 objectName: "downloadsCaption"
                 width: parent.width
-                text: screen.caption
+                text: downloadsScreen.caption
                 color: page.theme.secondaryText
             }
         }
@@ -109,9 +109,9 @@ Item {
                 DownloadedCollectionCell {
                     required property var modelData
                     width: page.cellWidth
-                    cell: modelData
+                    collection: modelData
                     theme: page.theme
-                    screen: screen
+                    screen: downloadsScreen
                 }
             }
         }
