@@ -1,15 +1,18 @@
 #!/usr/bin/python3
 """Walks Velto's accessibility tree over AT-SPI, as a screen reader sees it, and checks what a listener needs:
 every control that takes input says what it is, no name carries a mnemonic marker, and each screen's own
-controls are there by name. First the connect screen, then the main window signed in to a small local server.
+controls are there by name. First the connect screen, then the main window signed in to a small local server,
+then, with an album kept on disk, the Downloads screen and the album's page with its download badge.
 (The window tests check the dialogs and menus, which open only on input, through Qt's side of the same tree.)
 
     accessibility_walk.py VELTO_BINARY SIGNIN_BINARY
 
 Runs inside test-env.sh --display --a11y, which provides the accessibility bus and a keyring."""
 
+import hashlib
 import http.server
 import json
+import os
 import subprocess
 import sys
 import threading
@@ -35,6 +38,11 @@ MAIN_WINDOW = {
     ("list item", "Top Rated"), ("list item", "Morning"), ("list item", "Workout"),
 }
 PLAYLISTS = [{"id": "p1", "name": "Morning"}, {"id": "p2", "name": "Workout"}]
+KEPT_ALBUM = {"id": "a1", "name": "Quiet Rooms", "artist": "Ada"}
+# Qt 6.4 hands headings to AT-SPI as labels.
+DOWNLOADS_SCREEN = {("label", "Downloads"), ("label", "Albums"), ("push button", "Quiet Rooms"),
+                    ("push button", "Play Quiet Rooms")}
+ALBUM_PAGE = {("label", "Quiet Rooms"), ("push button", "More"), ("image", "Download Status")}
 
 
 class FakeServer(http.server.BaseHTTPRequestHandler):
@@ -142,6 +150,39 @@ def check_main_window(app):
     return unnamed_controls(nodes) + missing(nodes, MAIN_WINDOW, "the main window")
 
 
+def keep_album(url, user, selection, path):
+    """Puts an album on disk for the account, as a finished download leaves it, and the window's place."""
+    data = os.path.join(os.environ["XDG_DATA_HOME"], "Velto")
+    server_key = f"{user}@{url}"
+    folder = os.path.join(data, "Downloads", hashlib.sha256(server_key.encode()).hexdigest())
+    os.makedirs(folder, exist_ok=True)
+    key = "album:" + KEPT_ALBUM["id"]
+    song = {"id": "s1", "title": "First Light", "album": KEPT_ALBUM["name"], "albumId": KEPT_ALBUM["id"],
+            "artist": KEPT_ALBUM["artist"], "track": 1, "duration": 60, "suffix": "mp3"}
+    manifest = {"songs": {"s1": {"song": song, "suffix": "mp3", "bytes": 1000, "owners": [key]}},
+                "collections": {key: {"key": key, "name": KEPT_ALBUM["name"]}}}
+    with open(os.path.join(folder, "manifest.json"), "w") as file:
+        json.dump(manifest, file)
+    location = {"serverKey": server_key, "selection": {"item": {"_0": selection}}, "path": path}
+    with open(os.path.join(data, "location.json"), "w") as file:
+        json.dump(location, file)
+
+
+def checker_for(expected, where, describe=None):
+    def check(app):
+        deadline = time.monotonic() + 20
+        nodes = walk(app)
+        while missing(nodes, expected, where) and time.monotonic() < deadline:
+            time.sleep(0.3)
+            nodes = walk(app)
+        print_tree(nodes)
+        found = unnamed_controls(nodes) + missing(nodes, expected, where)
+        if describe and not any(description == describe for _, _, _, description, _ in nodes):
+            found.append(f"{where} has nothing described as {describe!r}")
+        return found
+    return check
+
+
 def main():
     velto, signin = sys.argv[1], sys.argv[2]
     problems = walk_running(velto, check_connect_screen)
@@ -153,6 +194,10 @@ def main():
         problems.append("could not sign in to the local server")
     else:
         problems += walk_running(velto, check_main_window)
+        keep_album(url, "walker", "downloads", [])
+        problems += walk_running(velto, checker_for(DOWNLOADS_SCREEN, "the Downloads screen"))
+        keep_album(url, "walker", "downloads", [{"kind": "album", "record": KEPT_ALBUM}])
+        problems += walk_running(velto, checker_for(ALBUM_PAGE, "the album page", "Available offline"))
     server.shutdown()
 
     for problem in problems:
