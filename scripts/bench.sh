@@ -15,7 +15,7 @@ cmake --build "$build" >&2
 for bench in "$build"/bench/bench_*; do
   if [ -f "$bench" ] && [ -x "$bench" ]; then
     display=()
-    if [ "$(basename "$bench")" = bench_startup ]; then display=(--display); fi
+    case "$(basename "$bench")" in bench_startup | bench_downloads) display=(--display) ;; esac
     bash scripts/test-env.sh --keyring "${display[@]}" -- "$bench"
   fi
 done
