@@ -115,6 +115,6 @@ Item {
                 }
             }
         }
-        footer: Item { height: page.theme.pageMargin }
+        footer: PlaybackBarClearance { theme: page.theme }
     }
 }

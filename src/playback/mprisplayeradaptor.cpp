@@ -73,6 +73,38 @@ void MprisPlayerAdaptor::setVolume(double volume)
     m_controller->setVolume(float(std::clamp(volume, 0.0, 1.0)));
 }
 
+QString MprisPlayerAdaptor::loopStatus() const
+{
+    switch (m_controller->repeatMode()) {
+    case RepeatMode::Off: return u"None"_s;
+    case RepeatMode::All: return u"Playlist"_s;
+    case RepeatMode::One: return u"Track"_s;
+    }
+    return u"None"_s;
+}
+
+void MprisPlayerAdaptor::setLoopStatus(const QString &status)
+{
+    if (status == u"None"_s)
+        m_controller->setRepeatMode(RepeatMode::Off);
+    else if (status == u"Playlist"_s)
+        m_controller->setRepeatMode(RepeatMode::All);
+    else if (status == u"Track"_s)
+        m_controller->setRepeatMode(RepeatMode::One);
+}
+
+bool MprisPlayerAdaptor::shuffle() const
+{
+    return m_controller->isShuffling();
+}
+
+void MprisPlayerAdaptor::setShuffle(bool shuffle)
+{
+    // Shuffle has its one operation, a toggle, which needs a queue to reorder.
+    if (shuffle != m_controller->isShuffling() && m_controller->currentSong())
+        m_controller->toggleShuffle();
+}
+
 qlonglong MprisPlayerAdaptor::position() const
 {
     return toMicroseconds(m_controller->currentTime());

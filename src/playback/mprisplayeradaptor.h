@@ -24,6 +24,8 @@ class MprisPlayerAdaptor : public QDBusAbstractAdaptor
     Q_PROPERTY(double MaximumRate READ rate)
     Q_PROPERTY(QVariantMap Metadata READ metadata)
     Q_PROPERTY(double Volume READ volume WRITE setVolume)
+    Q_PROPERTY(QString LoopStatus READ loopStatus WRITE setLoopStatus)
+    Q_PROPERTY(bool Shuffle READ shuffle WRITE setShuffle)
     Q_PROPERTY(qlonglong Position READ position)
     Q_PROPERTY(bool CanGoNext READ hasSong)
     Q_PROPERTY(bool CanGoPrevious READ hasSong)
@@ -44,6 +46,11 @@ public:
     [[nodiscard]] QVariantMap metadata() const;
     [[nodiscard]] double volume() const;
     void setVolume(double volume);
+    // "None", "Playlist" (the queue repeats) or "Track", as the repeat button's off, all and one.
+    [[nodiscard]] QString loopStatus() const;
+    void setLoopStatus(const QString &status);
+    [[nodiscard]] bool shuffle() const;
+    void setShuffle(bool shuffle);
     [[nodiscard]] qlonglong position() const;
     [[nodiscard]] bool hasSong() const;
     [[nodiscard]] bool canControl() const { return true; }

@@ -26,6 +26,8 @@ MprisService::MprisService(PlayerController *controller, MprisPlayerAdaptor::Art
             [this, songProperties] { announce(songProperties); });
     connect(controller, &PlayerController::isPlayingChanged, this, [this] { announce({u"PlaybackStatus"_s}); });
     connect(controller, &PlayerController::volumeChanged, this, [this] { announce({u"Volume"_s}); });
+    connect(controller, &PlayerController::repeatModeChanged, this, [this] { announce({u"LoopStatus"_s}); });
+    connect(controller, &PlayerController::isShufflingChanged, this, [this] { announce({u"Shuffle"_s}); });
     connect(controller, &PlayerController::durationChanged, this, [this] { announce({u"Metadata"_s}); });
 }
 

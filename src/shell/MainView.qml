@@ -100,7 +100,7 @@ FocusScope {
 
             Item {
                 id: content
-                anchors { top: toolbar.bottom; left: parent.left; right: parent.right; bottom: band.top }
+                anchors { top: toolbar.bottom; left: parent.left; right: parent.right; bottom: parent.bottom }
                 clip: true
 
                 DestinationView {
@@ -140,11 +140,19 @@ FocusScope {
                     faultShownFullPage: navigator.faultShownFullPage
                 }
             }
-            // Where the playback bar floats; screens scroll under it.
-            Item {
-                id: band
-                anchors { bottom: parent.bottom; left: parent.left; right: parent.right }
-                height: view.theme.playbackBarBand
+            // Floating over the bottom of the screens, which scroll under it and end with a clearance for it.
+            NowPlayingBar {
+                objectName: "nowPlayingBar"
+                anchors { bottom: parent.bottom; horizontalCenter: parent.horizontalCenter }
+                anchors.bottomMargin: (view.theme.playbackBarBand - view.theme.barHeight) / 2
+                width: Math.min(parent.width - 32, view.theme.barMaxWidth)
+                theme: view.theme
+                player: view.app.player
+                library: view.library
+                preferences: view.app.preferences
+                onOpenAlbum: album => navigator.pushAlbum(album)
+                onOpenArtist: artist => navigator.pushArtist(artist)
+                onOpenPlaylist: playlistId => navigator.selectKey("playlist:" + playlistId)
             }
         }
     }

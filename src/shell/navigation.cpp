@@ -187,6 +187,14 @@ void Navigation::pushAlbum(const QJsonObject &album)
     }
 }
 
+void Navigation::pushArtist(const QJsonObject &artist)
+{
+    try {
+        push(Artist::fromJson(artist));
+    } catch (const Json::DecodeError &) {
+    }
+}
+
 void Navigation::back()
 {
     if (!m_stack.entries().isEmpty())

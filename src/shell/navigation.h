@@ -93,6 +93,7 @@ public:
     Q_INVOKABLE void pushGrid(const QString &listType, const QString &title);
     // The album's record; one that does not decode pushes nothing.
     Q_INVOKABLE void pushAlbum(const QJsonObject &album);
+    Q_INVOKABLE void pushArtist(const QJsonObject &artist);
     Q_INVOKABLE void back();
     Q_INVOKABLE void popToRoot();
     // A screen's own colour: `depth` 0 is the root, which counts only while nothing is pushed over it.

@@ -6,6 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QString scrobbleEnabledKey = u"scrobbleEnabled"_s;
+const QString showTotalTimeKey = u"showTotalTime"_s;
 }
 
 Preferences::Preferences(QSettings *settings, QObject *parent)
@@ -25,4 +26,17 @@ void Preferences::setScrobbleEnabled(bool enabled)
         return;
     m_settings->setValue(scrobbleEnabledKey, enabled);
     Q_EMIT scrobbleEnabledChanged();
+}
+
+bool Preferences::showTotalTime() const
+{
+    return m_settings->value(showTotalTimeKey, false).toBool();
+}
+
+void Preferences::setShowTotalTime(bool show)
+{
+    if (show == showTotalTime())
+        return;
+    m_settings->setValue(showTotalTimeKey, show);
+    Q_EMIT showTotalTimeChanged();
 }

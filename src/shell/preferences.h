@@ -1,7 +1,8 @@
 #pragma once
 
-// The settings window's own setting: whether plays are reported to the server. The player reads the same key
-// each time it reports, so a change here takes effect with the next song.
+// The user's small choices kept in the settings: whether plays are reported to the server (the player reads the
+// same key each time it reports, so a change takes effect with the next song), and whether the bar shows a
+// song's total time or the time remaining.
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -14,6 +15,7 @@ class Preferences : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("Made by the application")
     Q_PROPERTY(bool scrobbleEnabled READ scrobbleEnabled WRITE setScrobbleEnabled NOTIFY scrobbleEnabledChanged)
+    Q_PROPERTY(bool showTotalTime READ showTotalTime WRITE setShowTotalTime NOTIFY showTotalTimeChanged)
 
 public:
     explicit Preferences(QSettings *settings, QObject *parent = nullptr);
@@ -21,9 +23,13 @@ public:
     // True for a user who never touched it.
     [[nodiscard]] bool scrobbleEnabled() const;
     void setScrobbleEnabled(bool enabled);
+    // False for a user who never touched it: the bar counts down.
+    [[nodiscard]] bool showTotalTime() const;
+    void setShowTotalTime(bool show);
 
 Q_SIGNALS:
     void scrobbleEnabledChanged();
+    void showTotalTimeChanged();
 
 private:
     QSettings *m_settings;

@@ -46,6 +46,21 @@ class Theme : public QObject
     Q_PROPERTY(int coverRadius MEMBER coverRadius CONSTANT)
     Q_PROPERTY(double hoverScale MEMBER hoverScale CONSTANT)
     Q_PROPERTY(int storageListHeight MEMBER storageListHeight CONSTANT)
+    Q_PROPERTY(int barHeight MEMBER barHeight CONSTANT)
+    Q_PROPERTY(int barMaxWidth MEMBER barMaxWidth CONSTANT)
+    Q_PROPERTY(int barRadius MEMBER barRadius CONSTANT)
+    Q_PROPERTY(int barDisplayHeight MEMBER barDisplayHeight CONSTANT)
+    Q_PROPERTY(int progressBand MEMBER progressBand CONSTANT)
+    Q_PROPERTY(int progressThin MEMBER progressThin CONSTANT)
+    Q_PROPERTY(int progressThick MEMBER progressThick CONSTANT)
+    Q_PROPERTY(int volumeTrackWidth MEMBER volumeTrackWidth CONSTANT)
+    Q_PROPERTY(int volumeTrackHeight MEMBER volumeTrackHeight CONSTANT)
+    Q_PROPERTY(int volumeThickness MEMBER volumeThickness CONSTANT)
+    Q_PROPERTY(int activeFadeMs MEMBER activeFadeMs CONSTANT)
+    Q_PROPERTY(int queueWidth MEMBER queueWidth CONSTANT)
+    Q_PROPERTY(int queueMinHeight MEMBER queueMinHeight CONSTANT)
+    Q_PROPERTY(int queueMaxHeight MEMBER queueMaxHeight CONSTANT)
+    Q_PROPERTY(int queueEmptyHeight MEMBER queueEmptyHeight CONSTANT)
     Q_PROPERTY(int pageMargin MEMBER pageMargin CONSTANT)
     Q_PROPERTY(int playbackBarBand MEMBER playbackBarBand CONSTANT)
     Q_PROPERTY(int bannerMaxWidth MEMBER bannerMaxWidth CONSTANT)
@@ -94,6 +109,24 @@ public:
     const double hoverScale = 1.02;
     // The settings' list of downloads scrolls past this height.
     const int storageListHeight = 180;
+    // The playback bar: its height and widest, the band of cover and text, and the position strip's hit band
+    // around a thin line that thickens while in use; the volume track; the fade of the strip's times.
+    const int barHeight = 56;
+    const int barMaxWidth = 860;
+    const int barRadius = 12;
+    const int barDisplayHeight = 34;
+    const int progressBand = 11;
+    const int progressThin = 2;
+    const int progressThick = 7;
+    const int volumeTrackWidth = 84;
+    const int volumeTrackHeight = 16;
+    const int volumeThickness = 4;
+    const int activeFadeMs = 180;
+    // The queue popover.
+    const int queueWidth = 320;
+    const int queueMinHeight = 240;
+    const int queueMaxHeight = 320;
+    const int queueEmptyHeight = 80;
     const int pageMargin = 24;
     // Under the content, where the playback bar floats.
     const int playbackBarBand = 78;
