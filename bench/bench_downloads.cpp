@@ -5,6 +5,7 @@
 #include "benchmark.h"
 #include "fakesubsonicserver.h"
 #include "offline/downloadlayout.h"
+#include "offline/downloadstore.h"
 #include "offline/manifestfile.h"
 #include "server/appstate.h"
 #include "shell/mainwindow.h"
@@ -17,6 +18,7 @@
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickStyle>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QSettings>
 #include <QTest>
@@ -119,14 +121,23 @@ int main(int argc, char *argv[])
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
     if (!navigation)
         return 1;
+    // The store's first sweep for missing covers asks for every one; let it end so that it does not run under
+    // the timings.
+    DownloadStore *store = velto.appState()->downloads();
+    waited.restart();
+    while (store && store->isSweepingArtwork() && waited.elapsed() < 30'000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
 
     std::vector<double> times;
     for (int i = 0; i < runs; ++i) {
         msToNextFrame(window, [&] { navigation->selectKey(u"item:home"_s); });
         QTest::qWait(200);
         const double ms = msToNextFrame(window, [&] { navigation->selectKey(u"item:downloads"_s); });
-        if (ms < 0)
+        const QQuickItem *list = window->findChild<QQuickItem *>(u"downloadsList"_s);
+        if (ms < 0 || !list || !list->isVisible() || list->property("count").toInt() == 0) {
+            std::fprintf(stderr, "bench_downloads: the Downloads page did not show the collections\n");
             return 1;
+        }
         times.push_back(ms);
     }
     std::nth_element(times.begin(), times.begin() + runs / 2, times.end());

@@ -100,16 +100,18 @@ Item {
             Accessible.role: Accessible.Heading
         }
         delegate: Row {
+            id: gridRow
             required property var cells
             x: page.theme.pageMargin
             spacing: page.theme.gridSpacing
 
+            // By count, so that a row whose cells change keeps them, with an open menu or the keyboard in them.
             Repeater {
-                model: cells
+                model: gridRow.cells.length
                 DownloadedCollectionCell {
-                    required property var modelData
+                    required property int index
                     width: page.cellWidth
-                    collection: modelData
+                    collection: gridRow.cells[index]
                     theme: page.theme
                     screen: downloadsScreen
                 }

@@ -19,6 +19,7 @@ ServerUnavailableFallback {
     PlaceholderScreen {
         id: screen
         library: page.library
+        playlistId: page.kind === "playlist" ? page.navigation.playlistId : ""
     }
     RowLayout {
         x: page.theme.pageMargin
@@ -40,6 +41,7 @@ ServerUnavailableFallback {
             theme: page.theme
             downloads: page.downloads
             key: page.collectionKey
+            songIds: screen.playlistSongIds
         }
         ToolButton {
             objectName: "pageMenuButton"
@@ -74,5 +76,6 @@ ServerUnavailableFallback {
         downloads: page.downloads
         playlistId: page.kind === "playlist" ? page.navigation.playlistId : ""
         name: page.title
+        songIds: screen.playlistSongIds
     }
 }

@@ -65,6 +65,11 @@ private Q_SLOTS:
         QVERIFY(!running.at(0).isEnabled);
         // A failure of a collection already held offers its removal, not a retry.
         QCOMPARE(texts(DownloadControls::albumEntries(failedList, true)), QStringList{u"Remove Download"_s});
+        // A top-up that failed: the menu still offers the missing songs, the badge tells of the failure.
+        const DownloadProgress failedTopUp{.total = 5, .completed = 3, .failed = true};
+        QCOMPARE(texts(DownloadControls::playlistEntries(failedTopUp, CollectionDownloadState::partial(3, 5), true)),
+                 (QStringList{u"Download 2 More Songs"_s, u"Remove Download"_s}));
+        QCOMPARE(DownloadControls::badge(true, failedTopUp, CollectionDownloadState::partial(3, 5)).kind, Kind::Failed);
     }
 
     void aPlaylistGrownOnTheServerOffersTheMissingSongs()
