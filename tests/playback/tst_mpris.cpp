@@ -204,6 +204,31 @@ private Q_SLOTS:
         QCOMPARE(m_player->current(), u"a"_s);
     }
 
+    void repeatAndShuffleAreReadAndSet()
+    {
+        QCOMPARE(playerctl({u"loop"_s}), u"None"_s);
+        playTagged();
+        m_player->controller.setRepeatMode(RepeatMode::All);
+        QCOMPARE(playerctl({u"loop"_s}), u"Playlist"_s);
+        playerctl({u"loop"_s, u"Track"_s});
+        QCOMPARE(m_player->controller.repeatMode(), RepeatMode::One);
+        playerctl({u"loop"_s, u"None"_s});
+        QCOMPARE(m_player->controller.repeatMode(), RepeatMode::Off);
+
+        QDBusConnection other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"watcher"_s);
+        ChangeWatcher watcher(other);
+        playerctl({u"shuffle"_s, u"On"_s});
+        QVERIFY(m_player->controller.isShuffling());
+        QCOMPARE(m_player->current(), u"a"_s); // the song playing stays
+        QTRY_COMPARE(watcher.seen.value(u"Shuffle"_s).toBool(), true);
+        m_player->controller.setRepeatMode(RepeatMode::One);
+        QTRY_COMPARE(watcher.seen.value(u"LoopStatus"_s).toString(), u"Track"_s);
+        QCOMPARE(playerctl({u"shuffle"_s}), u"On"_s);
+        playerctl({u"shuffle"_s, u"Off"_s});
+        QVERIFY(!m_player->controller.isShuffling());
+        QDBusConnection::disconnectFromBus(u"watcher"_s);
+    }
+
     void thePositionIsReadAndSet()
     {
         playTagged();
