@@ -58,7 +58,7 @@ Popup {
             color: popup.theme.secondaryText
         }
         ListView {
-            id: list
+            id: queueList
             objectName: "queueList"
             Layout.fillWidth: true
             Layout.preferredHeight: Math.max(popup.theme.queueMinHeight, Math.min(contentHeight, popup.theme.queueMaxHeight))
@@ -128,13 +128,13 @@ Popup {
                 background: Rectangle {
                     radius: 6
                     color: row.highlighted ? popup.theme.selection : row.hovered ? popup.theme.placeholder : "transparent"
-                    border.width: list.dropTarget === row.index ? 1 : 0
+                    border.width: row.ListView.view.dropTarget === row.index ? 1 : 0
                     border.color: popup.theme.highlight
                 }
 
                 onClicked: {
-                    list.currentIndex = index
-                    list.forceActiveFocus()
+                    row.ListView.view.currentIndex = index
+                    row.ListView.view.forceActiveFocus()
                 }
                 onDoubleClicked: upNext.playNow(index)
                 TapHandler {
@@ -145,11 +145,11 @@ Popup {
                     id: drag
                     target: null
                     xAxis.enabled: false
-                    onCentroidChanged: if (active) list.dropTarget = list.rowAt(row, centroid.position)
+                    onCentroidChanged: if (active) row.ListView.view.dropTarget = row.ListView.view.rowAt(row, centroid.position)
                     onActiveChanged: if (!active) {
-                        if (list.dropTarget >= 0)
-                            upNext.move(row.index, list.dropTarget)
-                        list.dropTarget = -1
+                        if (row.ListView.view.dropTarget >= 0)
+                            upNext.move(row.index, row.ListView.view.dropTarget)
+                        row.ListView.view.dropTarget = -1
                     }
                 }
                 Menu {

@@ -22,29 +22,6 @@ Q_IMPORT_QML_PLUGIN(VeltoPlugin)
 using namespace Qt::StringLiterals;
 
 namespace {
-QList<QQuickItem *> itemsUnder(QQuickItem *root)
-{
-    QList<QQuickItem *> items;
-    for (QQuickItem *child : root->childItems())
-        items << child << itemsUnder(child);
-    return items;
-}
-
-// Controls on screen that a screen reader could not name, with the badge's description checked on the way.
-QStringList unnamedControls(QAccessibleInterface *node)
-{
-    static const QSet<QAccessible::Role> controls{QAccessible::Button, QAccessible::MenuItem, QAccessible::ListItem,
-                                                  QAccessible::ProgressBar};
-    QStringList found;
-    if (!node || node->state().invisible)
-        return found;
-    if (controls.contains(node->role()) && node->text(QAccessible::Name).isEmpty())
-        found << QString::number(node->role());
-    for (int i = 0; i < node->childCount(); ++i)
-        found << unnamedControls(node->child(i));
-    return found;
-}
-
 QAccessibleInterface *accessibleNamed(QAccessibleInterface *node, const QString &name)
 {
     if (!node || node->state().invisible)
@@ -72,11 +49,7 @@ class DownloadsWindowTest : public QObject
 
     QQuickItem *visibleItem(const QString &name, QQuickWindow *window = nullptr) const
     {
-        for (QQuickItem *item : itemsUnder((window ? window : running->window)->contentItem())) {
-            if (item->objectName() == name && item->isVisible())
-                return item;
-        }
-        return nullptr;
+        return running->visibleItem(name, window);
     }
 
     QQuickItem *cellNamed(const QString &name) const
@@ -89,28 +62,13 @@ class DownloadsWindowTest : public QObject
         return nullptr;
     }
 
-    QStringList visibleMenuItems() const
-    {
-        QStringList texts;
-        for (QQuickItem *item : itemsUnder(running->window->contentItem())) {
-            if (item->inherits("QQuickMenuItem") && item->isVisible())
-                texts.append(item->property("text").toString());
-        }
-        return texts;
-    }
+    QStringList visibleMenuItems() const { return running->visibleMenuItems(); }
 
     void chooseFromMenu(const QString &text)
     {
         QQuickItem *item = nullptr;
-        QTRY_VERIFY((item = [&]() -> QQuickItem * {
-            for (QQuickItem *candidate : itemsUnder(running->window->contentItem())) {
-                if (candidate->inherits("QQuickMenuItem") && candidate->property("text").toString() == text
-                    && candidate->isVisible())
-                    return candidate;
-            }
-            return nullptr;
-        }()));
-        QCOMPARE(unnamedControls(QAccessible::queryAccessibleInterface(running->window)), QStringList());
+        QTRY_VERIFY((item = running->menuItem(text)));
+        QCOMPARE(unnamedControls(running->window), QStringList());
         running->click(item);
     }
 
@@ -178,7 +136,7 @@ private Q_SLOTS:
         QCOMPARE(visibleItem(u"downloadsCaption"_s)->property("text").toString(),
                  u"1 collection · "_s + fileSizeText(downloads()->totalBytes()));
         QVERIFY(accessibleNamed(QAccessible::queryAccessibleInterface(running->window), albums.at(0).name));
-        QCOMPARE(unnamedControls(QAccessible::queryAccessibleInterface(running->window)), QStringList());
+        QCOMPARE(unnamedControls(running->window), QStringList());
         QTest::mouseMove(running->window, cell->mapToScene({20, 20}).toPoint());
         QVERIFY(saveScreenshot(running->window, u"downloads-screen"_s));
 
@@ -205,7 +163,7 @@ private Q_SLOTS:
         QVERIFY(rows);
         QTRY_COMPARE(rows->property("count").toInt(), 1);
         QVERIFY(saveScreenshot(settings, u"downloads-settings"_s));
-        QCOMPARE(unnamedControls(QAccessible::queryAccessibleInterface(settings)), QStringList());
+        QCOMPARE(unnamedControls(settings), QStringList());
         QQuickItem *trash = nullptr;
         for (QQuickItem *item : itemsUnder(rows)) {
             if (item->inherits("QQuickToolButton") && item->isVisible())
