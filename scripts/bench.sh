@@ -10,12 +10,15 @@ if [ ! -f "$build/build.ninja" ]; then
   cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELTO_BUILD_TESTS=OFF >&2
 fi
 cmake --build "$build" >&2
-# Each benchmark runs in fresh folders with a keyring of its own, on the offscreen platform; start-up and idle
-# frames on a real X server.
+# Each benchmark runs in fresh folders with a keyring of its own, on the offscreen platform; start-up, idle frames
+# and the main window on a real X server, the window's playing on a null sound sink.
 for bench in "$build"/bench/bench_*; do
   if [ -f "$bench" ] && [ -x "$bench" ]; then
     display=()
-    case "$(basename "$bench")" in bench_startup | bench_downloads) display=(--display) ;; esac
+    case "$(basename "$bench")" in
+      bench_startup) display=(--display) ;;
+      bench_window) display=(--display --sound) ;;
+    esac
     bash scripts/test-env.sh --keyring "${display[@]}" -- "$bench"
   fi
 done

@@ -36,6 +36,9 @@ MAIN_WINDOW = {
     ("list item", "Downloads"), ("list item", "Recently Added"), ("list item", "Recently Played"),
     ("list item", "Most Played"), ("list item", "Liked Songs"), ("list item", "Liked Albums"),
     ("list item", "Top Rated"), ("list item", "Morning"), ("list item", "Workout"),
+    ("tool bar", "Playback"), ("push button", "Shuffle"), ("push button", "Previous"), ("push button", "Play"),
+    ("push button", "Next"), ("push button", "Repeat"), ("push button", "Like"), ("push button", "Up Next"),
+    ("push button", "Mute"),
 }
 PLAYLISTS = [{"id": "p1", "name": "Morning"}, {"id": "p2", "name": "Workout"}]
 KEPT_ALBUM = {"id": "a1", "name": "Quiet Rooms", "artist": "Ada"}

@@ -1,12 +1,15 @@
-// Opening the Downloads screen with a large offline library, on a real X server: from selecting Downloads in the
-// sidebar to the first frame that shows it, with 200 albums and playlists and 10,000 songs in the manifest. Run
-// inside scripts/test-env.sh --keyring --display.
+// The main window on a real X server. Opening the Downloads screen with a large offline library: from selecting
+// Downloads in the sidebar to the first frame that shows it, with 200 albums and playlists and 10,000 songs in
+// the manifest. Then a local file playing with the window and its playback bar on screen: the CPU time the whole
+// process takes per minute, and the frames drawn per second with nothing else changing. Run inside
+// scripts/test-env.sh --keyring --display --sound.
 
 #include "benchmark.h"
 #include "fakesubsonicserver.h"
 #include "offline/downloadlayout.h"
 #include "offline/downloadstore.h"
 #include "offline/manifestfile.h"
+#include "playback/playercontroller.h"
 #include "server/appstate.h"
 #include "shell/mainwindow.h"
 #include "shell/navigation.h"
@@ -21,9 +24,12 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSettings>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <clocale>
+#include <sys/resource.h>
 
 Q_IMPORT_QML_PLUGIN(VeltoPlugin)
 
@@ -33,6 +39,7 @@ namespace {
 constexpr int collectionCount = 200;
 constexpr int songsPerCollection = 50;
 constexpr int runs = 9;
+constexpr int playingSeconds = 30;
 
 DownloadManifest largeManifest()
 {
@@ -75,6 +82,23 @@ bool signIn(FakeSubsonicServer &server)
                                               DownloadLayout::standard().directory(appState.client()->config()));
 }
 
+double cpuSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+// A tone long enough to play through the measurement.
+bool makeTone(const QString &path)
+{
+    QProcess ffmpeg;
+    ffmpeg.start(u"ffmpeg"_s, {u"-hide_banner"_s, u"-loglevel"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                               u"sine=frequency=440:duration=%1"_s.arg(playingSeconds + 30), u"-c:a"_s, u"flac"_s, path});
+    return ffmpeg.waitForFinished(60'000) && ffmpeg.exitCode() == 0;
+}
+
 // Milliseconds from `change` to the next frame the window shows.
 template<typename Change>
 double msToNextFrame(QQuickWindow *window, Change &&change)
@@ -105,7 +129,7 @@ int main(int argc, char *argv[])
     server.on(u"getPlaylists"_s, FakeSubsonicServer::json({{u"playlists"_s, QJsonObject()}}));
     server.on(u"getStarred2"_s, FakeSubsonicServer::json({{u"starred2"_s, QJsonObject()}}));
     if (!signIn(server)) {
-        std::fprintf(stderr, "bench_downloads: could not sign in\n");
+        std::fprintf(stderr, "bench_window: could not sign in\n");
         return 1;
     }
 
@@ -135,12 +159,40 @@ int main(int argc, char *argv[])
         const double ms = msToNextFrame(window, [&] { navigation->selectKey(u"item:downloads"_s); });
         const QQuickItem *list = window->findChild<QQuickItem *>(u"downloadsList"_s);
         if (ms < 0 || !list || !list->isVisible() || list->property("count").toInt() == 0) {
-            std::fprintf(stderr, "bench_downloads: the Downloads page did not show the collections\n");
+            std::fprintf(stderr, "bench_window: the Downloads page did not show the collections\n");
             return 1;
         }
         times.push_back(ms);
     }
     std::nth_element(times.begin(), times.begin() + runs / 2, times.end());
     report("downloads_view_open_ms", times[runs / 2], "ms");
+
+    QTemporaryDir folder;
+    const QString tone = folder.filePath(u"tone.flac"_s);
+    if (!makeTone(tone)) {
+        std::fprintf(stderr, "bench_window: ffmpeg could not make a tone\n");
+        return 1;
+    }
+    navigation->selectKey(u"item:home"_s);
+    PlayerController *player = velto.player();
+    player->setItemLocator([tone](const Song &, const SubsonicClient &) { return QUrl::fromLocalFile(tone); });
+    player->play({Song{.id = u"tone"_s, .title = u"Tone"_s, .artist = u"Bench"_s, .duration = playingSeconds + 30}}, 0,
+                 *velto.appState()->client(), std::nullopt);
+    waited.restart();
+    while (player->currentTime() < 2 && waited.elapsed() < 20'000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+    if (player->currentTime() < 2) {
+        std::fprintf(stderr, "bench_window: the tone does not play\n");
+        return 1;
+    }
+    int frames = 0;
+    QObject::connect(window, &QQuickWindow::frameSwapped, window, [&frames] { ++frames; });
+    const double cpuBefore = cpuSeconds();
+    QTest::qWait(playingSeconds * 1000);
+    const double cpu = cpuSeconds() - cpuBefore;
+    if (!player->isPlaying())
+        return 1;
+    report("playing_window_cpu_s_per_min", cpu * 60 / playingSeconds, "s/min");
+    report("bar_tick_frames_per_s", double(frames) / playingSeconds, "frames/s");
     return 0;
 }
