@@ -18,7 +18,10 @@ Item {
     readonly property real stepSize: 0.05
     signal scrubbed(real fraction)
     signal committed(real fraction)
-    signal stepped(int direction)
+    readonly property bool pressed: pointer.pressed
+    // From the arrow keys (`byKey`), or from assistive technology.
+    signal stepped(int direction, bool byKey)
+    signal canceled()
 
     function fractionAt(x) { return width > 0 ? Math.max(0, Math.min(1, x / width)) : 0 }
 
@@ -26,11 +29,11 @@ Item {
     Accessible.role: Accessible.Slider
     Accessible.name: label
     Accessible.description: valueText
-    Accessible.onIncreaseAction: stepped(1)
-    Accessible.onDecreaseAction: stepped(-1)
+    Accessible.onIncreaseAction: stepped(1, false)
+    Accessible.onDecreaseAction: stepped(-1, false)
 
-    Keys.onLeftPressed: event => event.accepted = isEnabled && (stepped(-1), true)
-    Keys.onRightPressed: event => event.accepted = isEnabled && (stepped(1), true)
+    Keys.onLeftPressed: event => event.accepted = isEnabled && (stepped(-1, true), true)
+    Keys.onRightPressed: event => event.accepted = isEnabled && (stepped(1, true), true)
 
     Rectangle {
         anchors.verticalCenter: parent.verticalCenter
@@ -57,6 +60,7 @@ Item {
         border.color: track.theme.highlight
     }
     MouseArea {
+        id: pointer
         anchors.fill: parent
         enabled: track.isEnabled
         preventStealing: true
@@ -69,5 +73,6 @@ Item {
             track.committed(track.fractionAt(mouse.x))
             track.focus = false
         }
+        onCanceled: track.canceled()
     }
 }

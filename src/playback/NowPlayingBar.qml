@@ -106,8 +106,8 @@ Rectangle {
                     hoverEnabled: true
                     Accessible.role: Accessible.Button
                     Accessible.name: bar.hasSong ? qsTr("Album Artwork") : qsTr("Not Playing")
-                    Accessible.description: bar.albumIsLink ? qsTr("Go to Album") : ""
-                    ToolTip.visible: hovered && bar.albumIsLink
+                    Accessible.description: bar.artworkIsLink ? qsTr("Go to Album") : ""
+                    ToolTip.visible: hovered && bar.artworkIsLink
                     ToolTip.delay: 600
                     ToolTip.text: qsTr("Go to Album")
                     contentItem: Item {
@@ -143,14 +143,15 @@ Rectangle {
                         color: bar.hasSong ? barView.theme.text : barView.theme.secondaryText
                         onClicked: bar.openTitle()
                     }
-                    Row {
+                    RowLayout {
                         width: parent.width
                         spacing: 4
                         visible: bar.artist !== "" || bar.album !== ""
 
                         HoverLink {
                             objectName: "barArtist"
-                            width: Math.min(implicitWidth, parent.width * 0.5)
+                            Layout.fillWidth: true
+                            Layout.maximumWidth: implicitWidth
                             visible: bar.artist !== ""
                             theme: barView.theme
                             text: bar.artist
@@ -168,7 +169,8 @@ Rectangle {
                         }
                         HoverLink {
                             objectName: "barAlbum"
-                            width: Math.min(implicitWidth, parent.width * 0.5)
+                            Layout.fillWidth: true
+                            Layout.maximumWidth: implicitWidth
                             visible: bar.album !== ""
                             theme: barView.theme
                             text: bar.album
@@ -178,6 +180,7 @@ Rectangle {
                             color: barView.theme.secondaryText
                             onClicked: bar.openAlbum()
                         }
+                        Item { Layout.fillWidth: true }
                     }
                 }
             }

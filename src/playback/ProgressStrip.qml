@@ -44,7 +44,12 @@ Item {
         Behavior on thickness { NumberAnimation { duration: strip.theme.activeFadeMs; easing.type: Easing.OutCubic } }
         onScrubbed: fraction => strip.bar.scrub(fraction)
         onCommitted: fraction => strip.bar.commit(fraction)
-        onStepped: direction => strip.bar.stepPosition(direction)
+        onStepped: (direction, byKey) => {
+            if (byKey)
+                strip.bar.setSeekingByKey(true)
+            strip.bar.stepPosition(direction)
+        }
+        onCanceled: strip.bar.cancelScrub()
         onActiveFocusChanged: if (!activeFocus) strip.bar.setSeekingByKey(false)
     }
     AbstractButton {
@@ -73,5 +78,6 @@ Item {
     onVisibleChanged: if (!visible) {
         bar.setHoveringProgress(false)
         bar.setSeekingByKey(false)
+        bar.cancelScrub()
     }
 }

@@ -145,6 +145,8 @@ Popup {
                     id: drag
                     target: null
                     xAxis.enabled: false
+                    // The list must not take the drag over to scroll.
+                    grabPermissions: PointerHandler.CanTakeOverFromItems | PointerHandler.CanTakeOverFromHandlersOfDifferentType
                     onCentroidChanged: if (active) row.ListView.view.dropTarget = row.ListView.view.rowAt(row, centroid.position)
                     onActiveChanged: if (!active) {
                         if (row.ListView.view.dropTarget >= 0)

@@ -25,6 +25,7 @@ Row {
             const step = event.key === Qt.Key_Right || event.key === Qt.Key_Up ? 1
                        : event.key === Qt.Key_Left || event.key === Qt.Key_Down ? -1 : 0
             if (step !== 0) {
+                control.bar.setAdjustingVolumeByKey(true)
                 control.bar.nudgeVolume(step)
                 event.accepted = true
             }
@@ -40,11 +41,11 @@ Row {
         theme: control.theme
         progress: control.bar.volume
         thickness: control.theme.volumeThickness
-        isEnabled: control.bar.isVolumeRevealed
+        // A drag that runs past the slider's end keeps it until the button is let go.
+        isEnabled: control.bar.isVolumeRevealed || pressed
         activeFocusOnTab: false
         label: qsTr("Volume")
         valueText: control.bar.volumeValueText
-        opacity: control.bar.isVolumeRevealed ? 1 : 0
         transform: Scale {
             origin.x: slider.width
             xScale: control.bar.isVolumeRevealed ? 1 : 0.6
@@ -53,5 +54,6 @@ Row {
         onScrubbed: fraction => control.bar.setVolumeFraction(fraction)
         onCommitted: fraction => control.bar.setVolumeFraction(fraction)
         onStepped: direction => control.bar.nudgeVolume(direction)
+        opacity: control.bar.isVolumeRevealed || pressed ? 1 : 0
     }
 }

@@ -43,6 +43,7 @@ void PlaybackBar::setPlayer(PlayerController *player)
     if (player) {
         connect(player, &PlayerController::currentSongChanged, this, &PlaybackBar::songChanged);
         connect(player, &PlayerController::currentSongChanged, this, &PlaybackBar::likedChanged);
+        connect(player, &PlayerController::currentSongChanged, this, &PlaybackBar::cancelScrub);
         connect(player, &PlayerController::currentSongChanged, this, &PlaybackBar::positionChanged);
         connect(player, &PlayerController::sourceChanged, this, &PlaybackBar::songChanged);
         connect(player, &PlayerController::currentTimeChanged, this, &PlaybackBar::positionChanged);
@@ -138,6 +139,11 @@ QString PlaybackBar::album() const
 bool PlaybackBar::albumIsLink() const
 {
     return hasSong() && m_player->currentSong()->album && m_player->currentSong()->albumId;
+}
+
+bool PlaybackBar::artworkIsLink() const
+{
+    return hasSong() && m_player->currentSong()->albumId;
 }
 
 QString PlaybackBar::coverArt() const
@@ -312,22 +318,28 @@ void PlaybackBar::scrub(double fraction)
 
 void PlaybackBar::commit(double fraction)
 {
-    if (!canSeek())
-        return;
+    const bool seeks = canSeek();
     changeActivity([&] {
         m_scrubTime = clampedFraction(fraction) * duration();
         m_isScrubbing = false;
     });
-    m_player->seek(m_scrubTime);
+    if (seeks)
+        m_player->seek(m_scrubTime);
+    Q_EMIT positionChanged();
+}
+
+void PlaybackBar::cancelScrub()
+{
+    if (!m_isScrubbing)
+        return;
+    changeActivity([&] { m_isScrubbing = false; });
     Q_EMIT positionChanged();
 }
 
 void PlaybackBar::stepPosition(int direction)
 {
-    if (!canSeek())
-        return;
-    setSeekingByKey(true);
-    commit(progress() + (direction > 0 ? keyStep : -keyStep));
+    if (canSeek())
+        commit(progress() + (direction > 0 ? keyStep : -keyStep));
 }
 
 void PlaybackBar::setHoveringProgress(bool hovering)
@@ -366,9 +378,6 @@ void PlaybackBar::setVolumeFraction(double fraction)
 
 void PlaybackBar::nudgeVolume(int direction)
 {
-    if (!m_player)
-        return;
-    setAdjustingVolumeByKey(true);
     setVolumeFraction(volume() + (direction > 0 ? keyStep : -keyStep));
 }
 

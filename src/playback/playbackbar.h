@@ -36,6 +36,8 @@ class PlaybackBar : public QObject
     Q_PROPERTY(bool artistIsLink READ artistIsLink NOTIFY songChanged)
     Q_PROPERTY(QString album READ album NOTIFY songChanged)
     Q_PROPERTY(bool albumIsLink READ albumIsLink NOTIFY songChanged)
+    // The cover leads to the album whenever the song has an album id, named or not.
+    Q_PROPERTY(bool artworkIsLink READ artworkIsLink NOTIFY songChanged)
     Q_PROPERTY(QString coverArt READ coverArt NOTIFY songChanged)
     Q_PROPERTY(bool isLiked READ isLiked NOTIFY likedChanged)
 
@@ -88,6 +90,7 @@ public:
     [[nodiscard]] bool artistIsLink() const;
     [[nodiscard]] QString album() const;
     [[nodiscard]] bool albumIsLink() const;
+    [[nodiscard]] bool artworkIsLink() const;
     [[nodiscard]] QString coverArt() const;
     [[nodiscard]] bool isLiked() const;
 
@@ -128,7 +131,9 @@ public:
     // A drag along the strip shows where it would go; only its release reaches the player.
     Q_INVOKABLE void scrub(double fraction);
     Q_INVOKABLE void commit(double fraction);
-    // An arrow key: a seek of keyStep of the song, forwards for a positive direction.
+    // A drag that ended without a release on the strip: the pointer was taken away, or the strip went.
+    Q_INVOKABLE void cancelScrub();
+    // A seek of keyStep of the song, forwards for a positive direction: an arrow key, or assistive technology.
     Q_INVOKABLE void stepPosition(int direction);
     Q_INVOKABLE void setHoveringProgress(bool hovering);
     // The keyboard's adjusting ends when the focus leaves the strip.
@@ -137,6 +142,7 @@ public:
 
     Q_INVOKABLE void toggleMute();
     Q_INVOKABLE void setVolumeFraction(double fraction);
+    // keyStep up or down; the keys that do it also reveal the slider through setAdjustingVolumeByKey.
     Q_INVOKABLE void nudgeVolume(int direction);
     Q_INVOKABLE void setVolumeHovered(bool hovering);
     Q_INVOKABLE void setAdjustingVolumeByKey(bool adjusting);

@@ -29,6 +29,17 @@ FocusScope {
         player: view.app.player
         locations: view.app.locations
     }
+    SearchDropdownController {
+        id: search
+        appState: view.app.appState
+        onOpenArtist: artist => navigator.pushArtist(artist)
+        onOpenAlbum: album => navigator.pushAlbum(album)
+        onPicked: navigator.searchText = ""
+    }
+    Connections {
+        target: navigator
+        function onSearchTextChanged() { search.handle(navigator.searchText) }
+    }
     SidebarDoubleClickMonitor {
         sidebar: sidebar
         onDoubleClicked: navigator.popToRoot()
@@ -89,12 +100,22 @@ FocusScope {
                 }
                 Item { Layout.fillWidth: true }
                 TextField {
+                    id: searchField
                     objectName: "searchField"
                     Layout.preferredWidth: 240
                     placeholderText: qsTr("Search")
                     Accessible.name: qsTr("Search")
                     text: navigator.searchText
                     onTextEdited: navigator.searchText = text
+                    // The dropdown's keys are handled here, where the field already has them.
+                    Keys.onPressed: event => event.accepted = search.keyPressed(event.key)
+
+                    SearchDropdown {
+                        objectName: "searchDropdown"
+                        theme: view.theme
+                        controller: search
+                        field: searchField
+                    }
                 }
             }
 
@@ -179,10 +200,18 @@ FocusScope {
     Keys.onPressed: event => {
         if (event.key === Qt.Key_Space && event.modifiers === Qt.NoModifier)
             event.accepted = navigator.spacePressed()
+        else if (event.key === Qt.Key_Find) {
+            searchField.forceActiveFocus(Qt.ShortcutFocusReason)
+            event.accepted = true
+        }
     }
     Shortcut {
         sequence: "Alt+Left"
         onActivated: navigator.back()
+    }
+    Shortcut {
+        sequence: StandardKey.Find
+        onActivated: searchField.forceActiveFocus(Qt.ShortcutFocusReason)
     }
     TapHandler {
         acceptedButtons: Qt.BackButton
@@ -196,7 +225,12 @@ FocusScope {
         }
     }
 
-    onWindowActiveChanged: if (windowActive) app.commands.publishNewPlaylist(view)
+    onWindowActiveChanged: {
+        if (windowActive)
+            app.commands.publishNewPlaylist(view)
+        else
+            search.dismiss()
+    }
     Component.onCompleted: {
         app.commands.publishNewPlaylist(view)
         app.mainViewAppeared()

@@ -321,6 +321,53 @@ private Q_SLOTS:
         QCOMPARE(added.value(u"playlistId"_s), playlists.constLast().first);
     }
 
+    // Typed into the toolbar's field: the dropdown under it, the keys that stay in the field, a pick by Return.
+    void theSearchFieldSuggestsAndPicksFromTheKeyboard()
+    {
+        const QJsonArray artists{QJsonObject{{u"id"_s, u"ar1"_s}, {u"name"_s, u"John Coltrane"_s}}};
+        const QJsonArray albums{QJsonObject{{u"id"_s, u"al1"_s}, {u"name"_s, u"Blue Train"_s}, {u"artist"_s, u"John Coltrane"_s}},
+                                QJsonObject{{u"id"_s, u"al2"_s}, {u"name"_s, u"Blue Trane"_s}}};
+        server.on(u"search3"_s, FakeSubsonicServer::json({{u"searchResult3"_s,
+                                                           QJsonObject{{u"artist"_s, artists}, {u"album"_s, albums}}}}));
+        navigation()->selectKey(u"item:home"_s);
+        QTest::keySequence(running->window, QKeySequence::Find);
+        QQuickItem *field = running->find(u"searchField"_s);
+        QTRY_VERIFY(field->hasActiveFocus());
+        running->type(u"blue"_s);
+        QObject *dropdown = running->find<QObject>(u"searchDropdown"_s);
+        QTRY_VERIFY(dropdown->property("opened").toBool());
+        QVERIFY(field->hasActiveFocus());
+        QCOMPARE(unnamedControls(running->window), QStringList());
+        QVERIFY(saveScreenshot(running->window, u"search-dropdown"_s));
+        // It stands under the field, right-aligned to it, 380 wide.
+        const QRectF fieldRect = field->mapRectToScene(QRectF(0, 0, field->width(), field->height()));
+        const QRectF shown = qobject_cast<QQuickItem *>(dropdown->property("contentItem").value<QObject *>())
+                                 ->mapRectToScene(QRectF(0, 0, 380, 10));
+        QCOMPARE(shown.right(), fieldRect.right());
+        QVERIFY(shown.top() > fieldRect.bottom());
+
+        QTest::keyClick(running->window, Qt::Key_Down);
+        QTest::keyClick(running->window, Qt::Key_Return);
+        QTRY_COMPARE(pageTitle(), u"Blue Train"_s);
+        QCOMPARE(navigation()->searchText(), QString());
+        QVERIFY(!dropdown->property("opened").toBool());
+
+        // Escape closes it; a press elsewhere closes it too.
+        running->click(field);
+        running->type(u"bl"_s);
+        QTRY_VERIFY(dropdown->property("opened").toBool());
+        QTest::keyClick(running->window, Qt::Key_Escape);
+        QTRY_VERIFY(!dropdown->property("opened").toBool());
+        running->type(u"u"_s);
+        QTRY_VERIFY(dropdown->property("opened").toBool());
+        running->click(field);
+        QVERIFY(dropdown->property("opened").toBool());
+        // The press that closes it still reaches what it was aimed at.
+        running->click(sidebarRow(u"Albums"_s));
+        QTRY_VERIFY(!dropdown->property("opened").toBool());
+        QTRY_COMPARE(pageTitle(), u"Albums"_s);
+    }
+
     void cleanupTestCase() { running.reset(); }
 };
 
