@@ -11,14 +11,18 @@ Popup {
     required property SearchDropdownController controller
     // The field the dropdown hangs from; also its parent, so that presses in it leave the dropdown open.
     required property Item field
-    readonly property rect place: {
+    property rect place: Qt.rect(0, 0, 0, 0)
+    // Where the pointer last moved over the rows: a row marks itself only when the pointer really moves onto it,
+    // not when the list scrolls under a resting pointer.
+    property point lastPointer: Qt.point(-1, -1)
+
+    // In window coordinates, worked out anew as it opens, when its content changes and when the window resizes.
+    function placeAnew() {
         const window = field.Window.window
         if (!window)
-            return Qt.rect(0, 0, 0, 0)
+            return
         const inWindow = field.mapToItem(null, 0, 0, field.width, field.height)
-        // Read so that a new answer, a move or a resize places it anew.
-        void controller.model.contentHeight
-        return controller.geometry(inWindow, Qt.size(window.width, window.height))
+        place = controller.geometry(inWindow, Qt.size(window.width, window.height))
     }
     readonly property point origin: field.mapFromItem(null, place.x, place.y)
 
@@ -32,6 +36,17 @@ Popup {
     modal: false
     closePolicy: Popup.CloseOnPressOutsideParent
     onClosed: controller.dismiss()
+    onAboutToShow: placeAnew()
+
+    Connections {
+        target: dropdown.field.Window.window
+        function onWidthChanged() { Qt.callLater(dropdown.placeAnew) }
+        function onHeightChanged() { Qt.callLater(dropdown.placeAnew) }
+    }
+    Connections {
+        target: dropdown.controller.model
+        function onResultChanged() { dropdown.placeAnew() }
+    }
 
     Connections {
         target: dropdown.controller
@@ -101,7 +116,12 @@ Popup {
                 theme: dropdown.theme
                 isHighlighted: rowId === dropdown.controller.model.highlighted
                 onActivated: id => dropdown.controller.activate(id)
-                onEntered: id => dropdown.controller.highlight(id)
+                onPointerMoved: (id, point) => {
+                    if (point !== dropdown.lastPointer) {
+                        dropdown.lastPointer = point
+                        dropdown.controller.highlight(id)
+                    }
+                }
             }
             footer: Item { height: 12 }
 

@@ -14,7 +14,8 @@ ItemDelegate {
     required property bool isHighlighted
     required property Theme theme
     signal activated(int rowId)
-    signal entered(int rowId)
+    // The pointer moved over the row, to this point of the window.
+    signal pointerMoved(int rowId, point scenePoint)
 
     height: 46
     padding: 5
@@ -58,6 +59,9 @@ ItemDelegate {
         radius: 6
         color: row.isHighlighted ? row.theme.selection : "transparent"
     }
-    onHoveredChanged: if (hovered) entered(rowId)
     onClicked: activated(rowId)
+
+    HoverHandler {
+        onPointChanged: if (hovered) row.pointerMoved(row.rowId, point.scenePosition)
+    }
 }

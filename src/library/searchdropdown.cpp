@@ -2,6 +2,8 @@
 
 #include "server/appstate.h"
 
+#include <QTextBoundaryFinder>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -10,6 +12,16 @@ constexpr double gap = 6;
 constexpr double bottomMargin = 12;
 constexpr double leftMargin = 10;
 constexpr double minimumHeight = 40;
+
+// What a reader counts as characters: "é" written as e and an accent is one, so is an emoji.
+qsizetype characterCount(const QString &text)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    qsizetype count = 0;
+    while (finder.toNextBoundary() > 0)
+        ++count;
+    return count;
+}
 
 QString trimmedOfBlanks(const QString &text)
 {
@@ -39,6 +51,7 @@ SearchDropdownController::SearchDropdownController(QObject *parent) : QObject(pa
     m_debounce.setSingleShot(true);
     m_debounce.setInterval(debounceMs);
     connect(&m_debounce, &QTimer::timeout, this, [this] { search(m_pendingQuery); });
+    connect(this, &SearchDropdownController::appStateChanged, this, &SearchDropdownController::dismiss);
 }
 
 void SearchDropdownController::handle(const QString &query)
@@ -46,7 +59,7 @@ void SearchDropdownController::handle(const QString &query)
     m_debounce.stop();
     m_fetch.cancel();
     const QString trimmed = trimmedOfBlanks(query);
-    if (trimmed.size() < minimumQueryLength) {
+    if (characterCount(trimmed) < minimumQueryLength) {
         dismiss();
         return;
     }
@@ -64,7 +77,8 @@ void SearchDropdownController::search(QString query)
         const SubsonicClient::SearchCounts counts{.artists = 5, .albums = 7, .songs = 10, .songOffset = 0};
         QCoro::Task<SearchResult> searching = client.search(query, counts, token);
         const SearchResult result = co_await searching;
-        if (token.isCancelled())
+        // Signed out while the answer came: nothing opens without an account.
+        if (token.isCancelled() || !m_appState || !m_appState->client())
             co_return;
         m_model.update(result, query);
         setOpen(true);
@@ -129,11 +143,12 @@ void SearchDropdownController::pick(const SearchSuggestion &suggestion)
     } else if (const auto *album = std::get_if<Album>(&suggestion)) {
         Q_EMIT openAlbum(album->toJson());
     } else if (const auto &song = std::get<Song>(suggestion); song.albumId) {
-        const Album album{.id = *song.albumId,
-                          .name = song.album.value_or(song.title),
-                          .artist = song.artist,
-                          .artistId = song.artistId,
-                          .coverArt = song.coverArt};
+        Album album;
+        album.id = *song.albumId;
+        album.name = song.album.value_or(song.title);
+        album.artist = song.artist;
+        album.artistId = song.artistId;
+        album.coverArt = song.coverArt;
         Q_EMIT openAlbum(album.toJson());
     }
     Q_EMIT picked();

@@ -60,14 +60,24 @@ void SearchSuggestionsModel::update(const SearchResult &result, const QString &q
             rows.append(row);
         }
     };
-    add(QCoreApplication::translate("SearchSuggestions", "Artists"), result.artist, [](const Artist &artist) {
-        return Row{.pick = artist, .coverArt = artist.coverArt, .title = artist.name, .isRound = true};
+    const auto rowOf = [](SearchSuggestion pick, std::optional<QString> coverArt, QString title,
+                          std::optional<QString> subtitle, bool isRound) {
+        Row row;
+        row.pick = std::move(pick);
+        row.coverArt = std::move(coverArt);
+        row.title = std::move(title);
+        row.subtitle = std::move(subtitle);
+        row.isRound = isRound;
+        return row;
+    };
+    add(QCoreApplication::translate("SearchSuggestions", "Artists"), result.artist, [&](const Artist &artist) {
+        return rowOf(artist, artist.coverArt, artist.name, std::nullopt, true);
     });
-    add(QCoreApplication::translate("SearchSuggestions", "Albums"), result.album, [](const Album &album) {
-        return Row{.pick = album, .coverArt = album.coverArt, .title = album.name, .subtitle = album.artist};
+    add(QCoreApplication::translate("SearchSuggestions", "Albums"), result.album, [&](const Album &album) {
+        return rowOf(album, album.coverArt, album.name, album.artist, false);
     });
-    add(QCoreApplication::translate("SearchSuggestions", "Songs"), result.song, [](const Song &song) {
-        return Row{.pick = song, .coverArt = song.coverArt, .title = song.title, .subtitle = song.artist};
+    add(QCoreApplication::translate("SearchSuggestions", "Songs"), result.song, [&](const Song &song) {
+        return rowOf(song, song.coverArt, song.title, song.artist, false);
     });
 
     if (!m_rows.isEmpty()) {

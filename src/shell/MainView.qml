@@ -130,6 +130,8 @@ FocusScope {
                     kind: navigator.rootKind
                     title: navigator.rootTitle
                     record: ({})
+                    entryId: ""
+                    askNewPlaylistName: view.askNewPlaylistName
                     depth: 0
                     theme: view.theme
                     navigation: navigator
@@ -149,6 +151,7 @@ FocusScope {
                         library: view.library
                         downloads: view.downloads
                         player: view.app.player
+                        askNewPlaylistName: view.askNewPlaylistName
                     }
                 }
                 ConnectionBanner {

@@ -69,7 +69,10 @@ private Q_SLOTS:
     {
         search->handle(u"b"_s);
         search->handle(u"bl"_s);
+        QTest::qWait(SearchDropdownController::debounceMs / 2);
         search->handle(u" blu\t"_s);
+        QTest::qWait(SearchDropdownController::debounceMs / 2);
+        QCOMPARE(server.count(u"search3"_s), 0); // still typing
         QTRY_VERIFY(search->isOpen());
         QCOMPARE(server.count(u"search3"_s), 1);
         const RecordedRequest request = server.requests(u"search3"_s).first();
@@ -87,12 +90,22 @@ private Q_SLOTS:
         QVERIFY(model().row(0)->isRound);
         QCOMPARE(model().highlighted(), 0);
 
-        // One letter closes it at once and cancels what was pending.
+        // A new answer marks its first row again; two sections of one row each.
+        model().moveHighlight(3);
+        nextAnswer = answer(1, 1, 0);
+        search->handle(u"blue"_s);
+        QTRY_COMPARE(model().query(), u"blue"_s);
+        QCOMPARE(model().highlighted(), 0);
+        QCOMPARE(model().contentHeight(), 188.0);
+
+        // One letter closes it at once and cancels what was pending; so does one accented letter.
+        search->handle(u"e\u0301"_s);
+        QVERIFY(!search->isOpen());
         search->handle(u"blue"_s);
         search->handle(u" b "_s);
         QVERIFY(!search->isOpen());
         QTest::qWait(SearchDropdownController::debounceMs * 2);
-        QCOMPARE(server.count(u"search3"_s), 1);
+        QCOMPARE(server.count(u"search3"_s), 2);
     }
 
     void aLateAnswerAfterTheFieldWasClearedShowsNothing()
@@ -104,6 +117,15 @@ private Q_SLOTS:
         QTest::qWait(600);
         QVERIFY(!search->isOpen());
         QCOMPARE(model().count(), 0);
+
+        // A slow answer overtaken by a later query's is dropped.
+        search->handle(u"von"_s);
+        QTRY_COMPARE(server.count(u"search3"_s), 2);
+        nextAnswer = answer(0, 0, 1);
+        search->handle(u"vonx"_s);
+        QTRY_COMPARE(model().query(), u"vonx"_s);
+        QTest::qWait(500);
+        QCOMPARE(model().query(), u"vonx"_s);
     }
 
     void heightsMarksAndFailures()

@@ -330,8 +330,9 @@ private Q_SLOTS:
         server.on(u"search3"_s, FakeSubsonicServer::json({{u"searchResult3"_s,
                                                            QJsonObject{{u"artist"_s, artists}, {u"album"_s, albums}}}}));
         navigation()->selectKey(u"item:home"_s);
-        QTest::keySequence(running->window, QKeySequence::Find);
         QQuickItem *field = running->find(u"searchField"_s);
+        QVERIFY(!field->hasActiveFocus());
+        QTest::keySequence(running->window, QKeySequence::Find);
         QTRY_VERIFY(field->hasActiveFocus());
         running->type(u"blue"_s);
         QObject *dropdown = running->find<QObject>(u"searchDropdown"_s);
@@ -341,8 +342,9 @@ private Q_SLOTS:
         QVERIFY(saveScreenshot(running->window, u"search-dropdown"_s));
         // It stands under the field, right-aligned to it, 380 wide.
         const QRectF fieldRect = field->mapRectToScene(QRectF(0, 0, field->width(), field->height()));
-        const QRectF shown = qobject_cast<QQuickItem *>(dropdown->property("contentItem").value<QObject *>())
-                                 ->mapRectToScene(QRectF(0, 0, 380, 10));
+        auto *content = qobject_cast<QQuickItem *>(dropdown->property("contentItem").value<QObject *>());
+        const QRectF shown = content->mapRectToScene(QRectF(0, 0, content->width(), content->height()));
+        QCOMPARE(shown.width(), 380.0);
         QCOMPARE(shown.right(), fieldRect.right());
         QVERIFY(shown.top() > fieldRect.bottom());
 
