@@ -421,7 +421,10 @@ void PlaybackBar::openArtist()
     if (!artistIsLink())
         return;
     const Song song = *m_player->currentSong();
-    Q_EMIT openArtistRequested(Artist{.id = *song.artistId, .name = *song.artist}.toJson());
+    Artist artist;
+    artist.id = *song.artistId;
+    artist.name = *song.artist;
+    Q_EMIT openArtistRequested(artist.toJson());
 }
 
 void PlaybackBar::openAlbum()
@@ -429,5 +432,8 @@ void PlaybackBar::openAlbum()
     if (!hasSong() || !m_player->currentSong()->albumId)
         return;
     const Song song = *m_player->currentSong();
-    Q_EMIT openAlbumRequested(Album{.id = *song.albumId, .name = song.albumName()}.toJson());
+    Album album;
+    album.id = *song.albumId;
+    album.name = song.albumName();
+    Q_EMIT openAlbumRequested(album.toJson());
 }

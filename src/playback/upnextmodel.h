@@ -3,15 +3,15 @@
 // The songs after the current one, as the queue popover lists them. A row's identity is its place, since a song
 // may stand twice; a change of the queue updates, inserts and removes rows around what stayed the same.
 
-#include <QAbstractListModel>
+#include "common/positionallist.h"
+#include "server/records.h"
+
 #include <QPointer>
 #include <QtQml/qqmlregistration.h>
 
-#include "server/records.h"
-
 class PlayerController;
 
-class UpNextModel : public QAbstractListModel
+class UpNextModel : public PositionalListModel<Song>
 {
     Q_OBJECT
     QML_ELEMENT
@@ -22,14 +22,13 @@ class UpNextModel : public QAbstractListModel
 public:
     enum Role { TitleRole = Qt::UserRole, ArtistRole, DurationRole };
 
-    using QAbstractListModel::QAbstractListModel;
-    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    using PositionalListModel::PositionalListModel;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     [[nodiscard]] PlayerController *player() const;
     void setPlayer(PlayerController *player);
-    [[nodiscard]] int count() const { return int(m_songs.size()); }
+    [[nodiscard]] int count() const { return rowCount(); }
 
     Q_INVOKABLE void playNow(int row);
     Q_INVOKABLE void remove(int row);
@@ -45,5 +44,4 @@ private:
     void update();
 
     QPointer<PlayerController> m_player;
-    QList<Song> m_songs;
 };

@@ -9,6 +9,10 @@ Loader {
     required property string title
     // The pushed album's or artist's record; empty for a root.
     required property var record
+    // A pushed grid's album list.
+    required property string entryId
+    required property var askNewPlaylistName
+    readonly property string gridListType: navigation.gridListType(kind, entryId)
     // 0 for the root under the stack.
     required property int depth
     required property Theme theme
@@ -20,7 +24,10 @@ Loader {
     // A screen's own colour for the window.
     function onAccent(color) { navigation.reportAccent(depth, color) }
 
-    sourceComponent: kind === "downloads" ? downloadsView : placeholder
+    sourceComponent: kind === "downloads" ? downloadsView
+                   : kind === "album" ? albumView
+                   : gridListType !== "" ? gridView
+                   : placeholder
 
     Component {
         id: downloadsView
@@ -29,6 +36,32 @@ Loader {
             downloads: destination.downloads
             player: destination.player
             navigation: destination.navigation
+        }
+    }
+    Component {
+        id: albumView
+        AlbumDetailView {
+            theme: destination.theme
+            navigation: destination.navigation
+            library: destination.library
+            downloads: destination.downloads
+            player: destination.player
+            askNewPlaylistName: destination.askNewPlaylistName
+            album: destination.record
+            onAccent: color => destination.onAccent(color)
+        }
+    }
+    Component {
+        id: gridView
+        AlbumGridView {
+            title: destination.title
+            listType: destination.gridListType
+            theme: destination.theme
+            navigation: destination.navigation
+            library: destination.library
+            downloads: destination.downloads
+            player: destination.player
+            askNewPlaylistName: destination.askNewPlaylistName
         }
     }
     Component {

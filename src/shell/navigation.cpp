@@ -195,6 +195,18 @@ void Navigation::pushArtist(const QJsonObject &artist)
     }
 }
 
+QString Navigation::gridListType(const QString &kind, const QString &entryId)
+{
+    if (kind == "grid"_L1)
+        return entryId;
+    const std::optional<SidebarItem> item = sidebarItemFromId(kind);
+    if (item == SidebarItem::LikedAlbums)
+        return u"liked"_s;
+    if (item && sidebarItemInfo(*item).listType)
+        return albumListTypeName(*sidebarItemInfo(*item).listType);
+    return {};
+}
+
 void Navigation::back()
 {
     if (!m_stack.entries().isEmpty())

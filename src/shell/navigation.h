@@ -94,6 +94,9 @@ public:
     // The album's record; one that does not decode pushes nothing.
     Q_INVOKABLE void pushAlbum(const QJsonObject &album);
     Q_INVOKABLE void pushArtist(const QJsonObject &artist);
+    // The album list a screen of this kind shows as a grid: a sidebar item's, or a pushed grid's `entryId`;
+    // "liked" for the liked albums; empty for screens that are no grid.
+    Q_INVOKABLE static QString gridListType(const QString &kind, const QString &entryId);
     Q_INVOKABLE void back();
     Q_INVOKABLE void popToRoot();
     // A screen's own colour: `depth` 0 is the root, which counts only while nothing is pushed over it.

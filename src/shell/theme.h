@@ -46,6 +46,12 @@ class Theme : public QObject
     Q_PROPERTY(int coverRadius MEMBER coverRadius CONSTANT)
     Q_PROPERTY(double hoverScale MEMBER hoverScale CONSTANT)
     Q_PROPERTY(int storageListHeight MEMBER storageListHeight CONSTANT)
+    Q_PROPERTY(int albumCellMinWidth MEMBER albumCellMinWidth CONSTANT)
+    Q_PROPERTY(int albumCellMaxWidth MEMBER albumCellMaxWidth CONSTANT)
+    Q_PROPERTY(int albumColumnSpacing MEMBER albumColumnSpacing CONSTANT)
+    Q_PROPERTY(int albumArtworkSize MEMBER albumArtworkSize CONSTANT)
+    Q_PROPERTY(int albumPageMaxWidth MEMBER albumPageMaxWidth CONSTANT)
+    Q_PROPERTY(int albumHeaderArtwork MEMBER albumHeaderArtwork CONSTANT)
     Q_PROPERTY(int barHeight MEMBER barHeight CONSTANT)
     Q_PROPERTY(int barMaxWidth MEMBER barMaxWidth CONSTANT)
     Q_PROPERTY(int barRadius MEMBER barRadius CONSTANT)
@@ -109,6 +115,14 @@ public:
     const double hoverScale = 1.02;
     // The settings' list of downloads scrolls past this height.
     const int storageListHeight = 180;
+    // Album grids: cells between these widths with this much between columns (rows use gridSpacing), covers
+    // asked for at this size; an album page no wider than this, with its cover this big.
+    const int albumCellMinWidth = 170;
+    const int albumCellMaxWidth = 230;
+    const int albumColumnSpacing = 24;
+    const int albumArtworkSize = 220;
+    const int albumPageMaxWidth = 900;
+    const int albumHeaderArtwork = 230;
     // The playback bar: its height and widest, the band of cover and text, and the position strip's hit band
     // around a thin line that thickens while in use; the volume track; the fade of the strip's times.
     const int barHeight = 56;

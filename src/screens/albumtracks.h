@@ -1,0 +1,26 @@
+#pragma once
+
+// How an album page orders and describes its songs: grouped by disc only when there are two discs or more, each
+// disc in server order; and the line of year and length under the album's name.
+
+#include "server/records.h"
+
+#include <optional>
+
+struct Disc {
+    std::optional<qint64> number; // none when the album shows as one list
+    QList<Song> songs;
+
+    bool operator==(const Disc &) const = default;
+};
+
+namespace AlbumTracks {
+// A song without a disc number counts as disc 1.
+[[nodiscard]] QList<Disc> discs(const QList<Song> &songs);
+[[nodiscard]] QList<Song> orderedSongs(const QList<Song> &songs);
+// "1994 • 42 min": the pieces that exist; the length in whole minutes, at least 1, and only from a minute on.
+[[nodiscard]] QString metadataLine(std::optional<qint64> year, std::optional<qint64> durationSeconds);
+// The song `delta` rows from the selected one in `ordered`, held at the ends; from no selection, Down takes the
+// first row and Up the last. None for an empty list.
+[[nodiscard]] std::optional<QString> movedSelection(const QList<Song> &ordered, const QString &selectedId, int delta);
+}
