@@ -20,7 +20,7 @@ Item {
     required property var onAccent
 
     AlbumDetailScreen {
-        id: screen
+        id: albumScreen
         objectName: "albumScreen"
         library: page.library
         downloads: page.downloads
@@ -28,12 +28,12 @@ Item {
         album: page.album
     }
     CoverPalette {
-        id: palette
+        id: coverPalette
         library: page.library
-        coverArt: screen.record.coverArt || ""
+        coverArt: albumScreen.record.coverArt || ""
         onAccentChanged: page.onAccent(accent)
     }
-    Component.onCompleted: if (palette.hasPalette) page.onAccent(palette.accent)
+    Component.onCompleted: if (coverPalette.hasPalette) page.onAccent(coverPalette.accent)
 
     ListView {
         id: tracks
@@ -42,7 +42,7 @@ Item {
         width: Math.min(parent.width, page.theme.albumPageMaxWidth)
         leftMargin: page.theme.pageMargin
         rightMargin: page.theme.pageMargin
-        model: screen.tracks
+        model: albumScreen.tracks
         focus: true
         activeFocusOnTab: true
         keyNavigationEnabled: false
@@ -51,10 +51,10 @@ Item {
         Accessible.name: qsTr("Tracks")
         ScrollBar.vertical: ScrollBar {}
 
-        Keys.onUpPressed: positionViewAtIndex(screen.moveSelection(-1), ListView.Contain)
-        Keys.onDownPressed: positionViewAtIndex(screen.moveSelection(1), ListView.Contain)
-        Keys.onReturnPressed: screen.playSelected()
-        Keys.onEnterPressed: screen.playSelected()
+        Keys.onUpPressed: positionViewAtIndex(albumScreen.moveSelection(-1), ListView.Contain)
+        Keys.onDownPressed: positionViewAtIndex(albumScreen.moveSelection(1), ListView.Contain)
+        Keys.onReturnPressed: albumScreen.playSelected()
+        Keys.onEnterPressed: albumScreen.playSelected()
 
         header: Column {
             width: tracks.width - tracks.leftMargin - tracks.rightMargin
@@ -67,7 +67,7 @@ Item {
                     width: page.theme.albumHeaderArtwork
                     height: width
                     theme: page.theme
-                    coverArt: screen.record.coverArt || ""
+                    coverArt: albumScreen.record.coverArt || ""
                     cornerRadius: 8
                 }
                 Column {
@@ -78,7 +78,7 @@ Item {
                     Label {
                         objectName: "albumName"
                         width: parent.width
-                        text: screen.record.name
+                        text: albumScreen.record.name
                         color: page.theme.text
                         font.pixelSize: 30
                         font.weight: Font.Bold
@@ -89,26 +89,26 @@ Item {
                     }
                     HoverLink {
                         width: Math.min(implicitWidth, parent.width)
-                        visible: (screen.record.artist || "") !== ""
+                        visible: (albumScreen.record.artist || "") !== ""
                         theme: page.theme
-                        text: screen.record.artist || ""
-                        isLink: (screen.record.artistId || "") !== ""
+                        text: albumScreen.record.artist || ""
+                        isLink: (albumScreen.record.artistId || "") !== ""
                         help: qsTr("Go to Artist")
                         pixelSize: 17
-                        color: palette.hasPalette ? palette.tint : page.theme.text
-                        onClicked: page.navigation.pushArtist({ "id": screen.record.artistId, "name": screen.record.artist })
+                        color: coverPalette.hasPalette ? coverPalette.tint : page.theme.text
+                        onClicked: page.navigation.pushArtist({ "id": albumScreen.record.artistId, "name": albumScreen.record.artist })
                     }
                     Row {
                         spacing: 8
                         Label {
                             objectName: "metadataLine"
-                            text: screen.metadataLine
+                            text: albumScreen.metadataLine
                             color: page.theme.secondaryText
                         }
                         DownloadStatusBadge {
                             theme: page.theme
                             downloads: page.downloads
-                            key: "album:" + (screen.record.id || "")
+                            key: "album:" + (albumScreen.record.id || "")
                         }
                     }
                     Row {
@@ -119,27 +119,27 @@ Item {
                             theme: page.theme
                             text: qsTr("Play")
                             symbol: "play.fill"
-                            tint: palette.hasPalette ? palette.fill : page.theme.highlight
-                            foreground: palette.hasPalette ? palette.label : "white"
-                            enabled: screen.state === "tracks"
-                            onClicked: screen.playAll()
+                            tint: coverPalette.hasPalette ? coverPalette.fill : page.theme.highlight
+                            foreground: coverPalette.hasPalette ? coverPalette.label : "white"
+                            enabled: albumScreen.state === "tracks"
+                            onClicked: albumScreen.playAll()
                         }
                         PillButton {
                             theme: page.theme
                             text: qsTr("Shuffle")
                             symbol: "shuffle"
-                            tint: palette.hasPalette ? palette.fill : page.theme.highlight
-                            foreground: palette.hasPalette ? palette.tint : page.theme.text
+                            tint: coverPalette.hasPalette ? coverPalette.fill : page.theme.highlight
+                            foreground: coverPalette.hasPalette ? coverPalette.tint : page.theme.text
                             soft: true
-                            enabled: screen.state === "tracks"
-                            onClicked: screen.shuffle()
+                            enabled: albumScreen.state === "tracks"
+                            onClicked: albumScreen.shuffle()
                         }
                         CircleButton {
                             objectName: "likeAlbum"
                             theme: page.theme
-                            symbol: screen.isLiked ? "heart.fill" : "heart"
-                            help: screen.isLiked ? qsTr("Unlike Album") : qsTr("Like Album")
-                            onClicked: screen.toggleLike()
+                            symbol: albumScreen.isLiked ? "heart.fill" : "heart"
+                            help: albumScreen.isLiked ? qsTr("Unlike Album") : qsTr("Like Album")
+                            onClicked: albumScreen.toggleLike()
                         }
                         CircleButton {
                             id: more
@@ -154,12 +154,12 @@ Item {
             }
             BusyIndicator {
                 anchors.horizontalCenter: parent.horizontalCenter
-                running: screen.state === "loading"
+                running: albumScreen.state === "loading"
                 visible: running
             }
             Column {
                 objectName: "albumError"
-                visible: screen.state === "error"
+                visible: albumScreen.state === "error"
                 width: parent.width
                 spacing: 8
                 SymbolIcon {
@@ -179,32 +179,42 @@ Item {
                     width: parent.width
                     horizontalAlignment: Text.AlignHCenter
                     wrapMode: Text.WordWrap
-                    text: screen.errorMessage
+                    text: albumScreen.errorMessage
                     color: page.theme.secondaryText
                 }
             }
             Item { width: 1; height: 4 }
         }
         section.property: "disc"
-        section.delegate: Label {
+        section.delegate: Row {
             required property string section
             visible: section !== ""
             height: visible ? implicitHeight : 0
             topPadding: 14
             bottomPadding: 6
             leftPadding: 8
-            text: section
-            color: page.theme.secondaryText
-            font.weight: Font.DemiBold
+            spacing: 6
             Accessible.role: Accessible.Heading
+            Accessible.name: section
+
+            SymbolIcon {
+                symbol: "opticaldisc"
+                size: 14
+                color: page.theme.secondaryText
+            }
+            Label {
+                text: section
+                color: page.theme.secondaryText
+                font.weight: Font.DemiBold
+            }
         }
         delegate: TrackRow {
             theme: page.theme
-            screen: screen
+            screen: albumScreen
             library: page.library
             askNewPlaylistName: page.askNewPlaylistName
-            tint: palette.hasPalette ? palette.tint : page.theme.highlight
-            accent: palette.hasPalette ? palette.fill : page.theme.highlight
+            tint: coverPalette.hasPalette ? coverPalette.tint : page.theme.highlight
+            accent: coverPalette.hasPalette ? coverPalette.fill : page.theme.highlight
         }
         footer: PlaybackBarClearance { theme: page.theme }
     }
@@ -214,16 +224,16 @@ Item {
         objectName: "albumMenu"
         MenuItem {
             text: qsTr("Play Next")
-            onTriggered: screen.playNext()
+            onTriggered: albumScreen.playNext()
         }
         MenuItem {
             text: qsTr("Play Last")
-            onTriggered: screen.playLast()
+            onTriggered: albumScreen.playLast()
         }
         MenuSeparator {}
         MenuItem {
-            text: screen.isLiked ? qsTr("Unlike Album") : qsTr("Like Album")
-            onTriggered: screen.toggleLike()
+            text: albumScreen.isLiked ? qsTr("Unlike Album") : qsTr("Like Album")
+            onTriggered: albumScreen.toggleLike()
         }
     }
     AlbumDownloadButtons {
@@ -231,6 +241,6 @@ Item {
         position: 4
         theme: page.theme
         downloads: page.downloads
-        album: screen.record
+        album: albumScreen.record
     }
 }

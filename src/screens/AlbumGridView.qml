@@ -25,7 +25,7 @@ ServerUnavailableFallback {
         listType: page.listType
     }
     AlbumActions {
-        id: actions
+        id: albumActions
         library: page.library
         player: page.player
     }
@@ -75,7 +75,7 @@ ServerUnavailableFallback {
                 coverArt: slot.coverArt
                 artworkSize: page.theme.albumArtworkSize
                 theme: page.theme
-                actions: actions
+                actions: albumActions
                 navigation: page.navigation
                 library: page.library
                 downloads: page.downloads

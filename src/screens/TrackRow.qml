@@ -24,7 +24,7 @@ ItemDelegate {
     readonly property bool isCurrent: screen.currentSongId === songId
     readonly property bool isSelected: screen.selectedSongId === songId
 
-    width: ListView.view.width
+    width: ListView.view.width - ListView.view.leftMargin - ListView.view.rightMargin
     height: 34
     padding: 0
     leftPadding: 8

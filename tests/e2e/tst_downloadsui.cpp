@@ -2,20 +2,16 @@
 // menu with the badge following it, the Downloads screen, a play from it after the server has stopped, and the
 // removals in the settings. Screenshots of each go next to the test build.
 
-#include "../shell/runningapp.h"
-#include "awaittask.h"
+#include "supysonicwindow.h"
 #include "offline/downloadedcollections.h"
 #include "offline/downloadstore.h"
 #include "playback/playercontroller.h"
 #include "server/appstate.h"
-#include "server/keychain.h"
 #include "shell/navigation.h"
-#include "supysonicfixture.h"
 
 #include <QAccessible>
 #include <QQmlExtensionPlugin>
 #include <QQuickStyle>
-#include <QSettings>
 
 Q_IMPORT_QML_PLUGIN(VeltoPlugin)
 
@@ -40,8 +36,9 @@ class DownloadsWindowTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<SupysonicFixture> fixture = std::make_unique<SupysonicFixture>(QStringLiteral(VELTO_FIXTURE_WORKDIR));
-    std::unique_ptr<RunningApp> running;
+    SupysonicWindow window;
+    std::unique_ptr<SupysonicFixture> &fixture = window.fixture;
+    std::unique_ptr<RunningApp> &running = window.running;
     QList<Album> albums;
 
     Navigation *navigation() const { return running->find<Navigation>(u"navigation"_s); }
@@ -110,19 +107,10 @@ private Q_SLOTS:
     void initTestCase()
     {
         QQuickStyle::setStyle(u"Fusion"_s);
-        QVERIFY2(fixture->start(), qPrintable(fixture->errorText()));
-        const SubsonicClient client(
-            ServerConfig{fixture->baseURL(), fixture->username(), fixture->password(), AuthMethod::LegacyPassword});
-        for (const Album &album : awaitTask(client.albums(AlbumListType::AlphabeticalByName, 2, 0)))
+        QVERIFY(window.start());
+        for (const Album &album : awaitTask(window.client().albums(AlbumListType::AlphabeticalByName, 2, 0)))
             albums.append(album);
         QCOMPARE(albums.size(), 2);
-        QSettings settings;
-        settings.setValue(u"serverURL"_s, fixture->baseURL().toString());
-        settings.setValue(u"username"_s, fixture->username());
-        settings.setValue(u"authMethod"_s, u"legacyPassword"_s);
-        settings.sync();
-        awaitTask(Keychain::save(fixture->password(), fixture->username() + u'@' + fixture->baseURL().toString()));
-        QVERIFY(restart(running));
         QTRY_VERIFY(navigation());
     }
 
@@ -179,16 +167,11 @@ private Q_SLOTS:
 
     void removeAllAsksFirst()
     {
-        QVERIFY2((fixture = std::make_unique<SupysonicFixture>(QStringLiteral(VELTO_FIXTURE_WORKDIR)))->start(),
-                 qPrintable(fixture->errorText()));
         // The restarted server listens elsewhere: sign in to it again.
-        QSettings().setValue(u"serverURL"_s, fixture->baseURL().toString());
-        awaitTask(Keychain::save(fixture->password(), fixture->username() + u'@' + fixture->baseURL().toString()));
-        QVERIFY(restart(running));
+        fixture = std::make_unique<SupysonicFixture>(QStringLiteral(VELTO_FIXTURE_WORKDIR));
+        QVERIFY(window.start());
         QTRY_VERIFY(navigation());
-        const SubsonicClient client(
-            ServerConfig{fixture->baseURL(), fixture->username(), fixture->password(), AuthMethod::LegacyPassword});
-        albums = awaitTask(client.albums(AlbumListType::AlphabeticalByName, 2, 0));
+        albums = awaitTask(window.client().albums(AlbumListType::AlphabeticalByName, 2, 0));
         downloadFromThePage(albums.at(1), false);
         navigation()->back();
 

@@ -2,18 +2,14 @@
 // the song shown with its time and like, a scrub that seeks once on release, the queue popover's edits, and
 // repeat and shuffle as the desktop's media controls see them. Screenshots of each go next to the test build.
 
-#include "../shell/runningapp.h"
-#include "awaittask.h"
+#include "supysonicwindow.h"
 #include "library/librarystore.h"
 #include "playback/playercontroller.h"
 #include "server/appstate.h"
-#include "server/keychain.h"
-#include "supysonicfixture.h"
 
 #include <QProcess>
 #include <QQmlExtensionPlugin>
 #include <QQuickStyle>
-#include <QSettings>
 #include <QSignalSpy>
 
 Q_IMPORT_QML_PLUGIN(VeltoPlugin)
@@ -35,8 +31,8 @@ class PlaybackBarWindowTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<SupysonicFixture> fixture = std::make_unique<SupysonicFixture>(QStringLiteral(VELTO_FIXTURE_WORKDIR));
-    std::unique_ptr<RunningApp> running;
+    SupysonicWindow window;
+    std::unique_ptr<RunningApp> &running = window.running;
     Album album;
 
     PlayerController *player() const { return running->app.player(); }
@@ -65,9 +61,8 @@ private Q_SLOTS:
     void initTestCase()
     {
         QQuickStyle::setStyle(u"Fusion"_s);
-        QVERIFY2(fixture->start(), qPrintable(fixture->errorText()));
-        const SubsonicClient client(
-            ServerConfig{fixture->baseURL(), fixture->username(), fixture->password(), AuthMethod::LegacyPassword});
+        QVERIFY(window.start());
+        const SubsonicClient client = window.client();
         for (const Album &listed : awaitTask(client.albums(AlbumListType::AlphabeticalByName, 10, 0))) {
             if (listed.songCount.value_or(0) >= 4) {
                 album = awaitTask(client.album(listed.id));
@@ -75,13 +70,6 @@ private Q_SLOTS:
             }
         }
         QVERIFY(album.song && album.song->size() >= 4);
-        QSettings settings;
-        settings.setValue(u"serverURL"_s, fixture->baseURL().toString());
-        settings.setValue(u"username"_s, fixture->username());
-        settings.setValue(u"authMethod"_s, u"legacyPassword"_s);
-        settings.sync();
-        awaitTask(Keychain::save(fixture->password(), fixture->username() + u'@' + fixture->baseURL().toString()));
-        QVERIFY(restart(running));
         QTRY_VERIFY(running->visibleItem(u"nowPlayingBar"_s));
     }
 
