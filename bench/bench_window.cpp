@@ -1,6 +1,7 @@
 // The main window on a real X server. Opening the Downloads screen with a large offline library: from selecting
 // Downloads in the sidebar to the first frame that shows it, with 200 albums and playlists and 10,000 songs in
-// the manifest. Then a local file playing with the window and its playback bar on screen: the CPU time the whole
+// the manifest. Flicking through a grid of 2,000 albums with their covers cached: the frames' 95th percentile from
+// a scroll step to its frame. Then a local file playing with the window and its playback bar on screen: the CPU time the whole
 // process takes per minute, and the frames drawn per second with nothing else changing. Run inside
 // scripts/test-env.sh --keyring --display --sound.
 
@@ -8,6 +9,7 @@
 #include "fakesubsonicserver.h"
 #include "offline/downloadlayout.h"
 #include "offline/downloadstore.h"
+#include "library/librarystore.h"
 #include "offline/manifestfile.h"
 #include "playback/playercontroller.h"
 #include "server/appstate.h"
@@ -16,7 +18,10 @@
 #include "shell/symbolicons.h"
 #include "shell/veltoapp.h"
 
+#include <QBuffer>
 #include <QFontDatabase>
+#include <QImage>
+#include <QJsonArray>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
@@ -25,9 +30,11 @@
 #include <QQuickWindow>
 #include <QSettings>
 #include <QProcess>
+#include <QMutex>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <atomic>
 #include <clocale>
 #include <sys/resource.h>
 
@@ -40,6 +47,7 @@ constexpr int collectionCount = 200;
 constexpr int songsPerCollection = 50;
 constexpr int runs = 9;
 constexpr int playingSeconds = 30;
+constexpr int gridAlbums = 2000;
 
 DownloadManifest largeManifest()
 {
@@ -99,6 +107,35 @@ bool makeTone(const QString &path)
     return ffmpeg.waitForFinished(60'000) && ffmpeg.exitCode() == 0;
 }
 
+QByteArray coverPng(const QString &id)
+{
+    QImage image(300, 300, QImage::Format_RGB32);
+    image.fill(QColor::fromHsv(int(qHash(id) % 360), 160, 200));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+FakeResponse albumPage(const RecordedRequest &request)
+{
+    const int offset = request.value(u"offset"_s).toInt();
+    const int size = request.value(u"size"_s).toInt();
+    QJsonArray albums;
+    for (int i = offset; i < std::min(offset + size, gridAlbums); ++i) {
+        albums.append(QJsonObject{{u"id"_s, u"al%1"_s.arg(i)}, {u"name"_s, u"Album %1"_s.arg(i)},
+                                  {u"artist"_s, u"Artist %1"_s.arg(i % 50)}, {u"coverArt"_s, u"al%1"_s.arg(i)}});
+    }
+    return FakeSubsonicServer::json({{u"albumList2"_s, QJsonObject{{u"album"_s, albums}}}});
+}
+
+double percentile95(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.empty() ? -1 : values[size_t(double(values.size() - 1) * 0.95)];
+}
+
 // Milliseconds from `change` to the next frame the window shows.
 template<typename Change>
 double msToNextFrame(QQuickWindow *window, Change &&change)
@@ -128,6 +165,10 @@ int main(int argc, char *argv[])
     server.on(u"ping"_s, FakeSubsonicServer::json({}));
     server.on(u"getPlaylists"_s, FakeSubsonicServer::json({{u"playlists"_s, QJsonObject()}}));
     server.on(u"getStarred2"_s, FakeSubsonicServer::json({{u"starred2"_s, QJsonObject()}}));
+    server.on(u"getAlbumList2"_s, albumPage);
+    server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
+        return FakeResponse{.contentType = "image/png", .body = coverPng(request.value(u"id"_s))};
+    });
     if (!signIn(server)) {
         std::fprintf(stderr, "bench_window: could not sign in\n");
         return 1;
@@ -166,6 +207,66 @@ int main(int argc, char *argv[])
     }
     std::nth_element(times.begin(), times.begin() + runs / 2, times.end());
     report("downloads_view_open_ms", times[runs / 2], "ms");
+
+    // The Albums grid over 2,000 albums: once through to fill the cover cache, then the frames of a second pass.
+    LibraryStore *library = velto.appState()->library();
+    while (!library->albumList(AlbumListType::AlphabeticalByName).reachedEnd) {
+        library->loadMoreAlbums(AlbumListType::AlphabeticalByName);
+        while (library->albumList(AlbumListType::AlphabeticalByName).isLoading)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+    }
+    navigation->selectKey(u"item:albums"_s);
+    QQuickItem *grid = nullptr;
+    waited.restart();
+    while (!(grid = window->findChild<QQuickItem *>(u"albumGrid"_s)) && waited.elapsed() < 10'000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+    if (!grid || grid->property("count").toInt() != gridAlbums) {
+        std::fprintf(stderr, "bench_window: the grid does not hold the albums\n");
+        return 1;
+    }
+    QTest::qWait(300); // laid out
+    const double end = grid->property("contentHeight").toDouble() - grid->height();
+    if (end < gridAlbums) {
+        std::fprintf(stderr, "bench_window: the grid is %f high\n", end);
+        return 1;
+    }
+    for (double y = 0; y < end; y += grid->height() / 2) {
+        grid->setProperty("contentY", y);
+        QTest::qWait(40);
+    }
+    QTest::qWait(500);
+    // A frame's time: from the start of its preparation on the main thread (new cells are made then) to the end
+    // of its rendering, without the wait for the display's next refresh.
+    std::vector<double> scrollFrames;
+    QMutex framesLock;
+    QElapsedTimer clock;
+    clock.start();
+    std::atomic<qint64> frameStart{-1};
+    const auto started = QObject::connect(window, &QQuickWindow::afterAnimating, window, [&] {
+        frameStart = clock.nsecsElapsed();
+    }, Qt::DirectConnection);
+    const auto rendered = QObject::connect(window, &QQuickWindow::afterRendering, window, [&] {
+        const qint64 start = frameStart.exchange(-1);
+        if (start >= 0) {
+            QMutexLocker lock(&framesLock);
+            scrollFrames.push_back(double(clock.nsecsElapsed() - start) / 1e6);
+        }
+    }, Qt::DirectConnection);
+    // A flick's pace: 40 more points each sixtieth of a second.
+    for (double y = 0; y < end; y += 40) {
+        grid->setProperty("contentY", y);
+        QTest::qWait(16);
+    }
+    QObject::disconnect(started);
+    QObject::disconnect(rendered);
+    report("album_grid_scroll_frame_p95_ms", percentile95(scrollFrames), "ms");
+    if (qEnvironmentVariableIsSet("VELTO_BENCH_DETAIL")) {
+        std::sort(scrollFrames.begin(), scrollFrames.end());
+        std::fprintf(stderr, "frames %zu median %.1f p90 %.1f max %.1f\n", scrollFrames.size(),
+                     scrollFrames[scrollFrames.size() / 2], scrollFrames[scrollFrames.size() * 9 / 10], scrollFrames.back());
+    }
+    navigation->selectKey(u"item:home"_s);
+    QTest::qWait(3000); // covers still on their way
 
     QTemporaryDir folder;
     const QString tone = folder.filePath(u"tone.flac"_s);

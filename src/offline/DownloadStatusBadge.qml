@@ -32,18 +32,21 @@ Item {
     }
     SymbolIcon {
         anchors.centerIn: parent
-        visible: badgeState.kind !== DownloadBadgeState.Progress
+        visible: badgeState.kind !== DownloadBadgeState.Progress && badgeState.kind !== DownloadBadgeState.None
         symbol: badgeState.symbol
         size: badge.size
         color: badgeState.kind === DownloadBadgeState.Failed ? badge.theme.orange : badge.theme.secondaryText
     }
-    ProgressRing {
+    // Made only while a download runs: a grid shows many badges that draw nothing.
+    Loader {
         anchors.fill: parent
         anchors.margins: 1
-        visible: badgeState.kind === DownloadBadgeState.Progress
-        value: badgeState.value
-        color: badge.theme.text
-        trackColor: badge.theme.separator
+        active: badgeState.kind === DownloadBadgeState.Progress
+        sourceComponent: ProgressRing {
+            value: badgeState.value
+            color: badge.theme.text
+            trackColor: badge.theme.separator
+        }
     }
     HoverHandler {
         id: hover

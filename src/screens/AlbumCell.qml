@@ -20,7 +20,11 @@ AbstractButton {
     required property var askNewPlaylistName
     property real artworkSize: 220
 
-    function openMenu() { menu.popup(cell, cover.width / 2, cover.height / 2) }
+    // The menu is made when first opened: a grid makes and drops cells as it scrolls.
+    function openMenu() {
+        menuLoader.active = true
+        menuLoader.item.popup(cell, cover.width / 2, cover.height / 2)
+    }
 
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
@@ -95,26 +99,29 @@ AbstractButton {
                 downloads: cell.downloads
                 key: "album:" + cell.albumId
             }
-            RoundButton {
-                objectName: "cellPlayButton"
+            Loader {
                 anchors { left: parent.left; bottom: parent.bottom; margins: 10 }
-                width: 34
-                height: 34
-                opacity: cell.hovered ? 1 : 0
-                visible: opacity > 0
-                focusPolicy: Qt.NoFocus
-                Accessible.name: qsTr("Play %1").arg(cell.name)
-                Behavior on opacity { NumberAnimation { duration: 120 } }
-                contentItem: SymbolIcon {
-                    symbol: "play.fill"
-                    size: 18
-                    color: "white"
+                active: cell.hovered
+                sourceComponent: RoundButton {
+                    objectName: "cellPlayButton"
+                    width: 34
+                    height: 34
+                    focusPolicy: Qt.NoFocus
+                    Accessible.name: qsTr("Play %1").arg(cell.name)
+                    opacity: 0
+                    Component.onCompleted: opacity = 1
+                    Behavior on opacity { NumberAnimation { duration: 120 } }
+                    contentItem: SymbolIcon {
+                        symbol: "play.fill"
+                        size: 18
+                        color: "white"
+                    }
+                    background: Rectangle {
+                        radius: width / 2
+                        color: Qt.rgba(0, 0, 0, 0.55)
+                    }
+                    onClicked: cell.actions.play(cell.record)
                 }
-                background: Rectangle {
-                    radius: width / 2
-                    color: Qt.rgba(0, 0, 0, 0.55)
-                }
-                onClicked: cell.actions.play(cell.record)
             }
         }
         Label {
@@ -143,41 +150,45 @@ AbstractButton {
         acceptedButtons: Qt.RightButton
         onTapped: cell.openMenu()
     }
-    Menu {
-        id: menu
-        MenuItem {
-            text: qsTr("Play")
-            onTriggered: cell.actions.play(cell.record)
+    Loader {
+        id: menuLoader
+        active: false
+        sourceComponent: Menu {
+            id: menu
+            MenuItem {
+                text: qsTr("Play")
+                onTriggered: cell.actions.play(cell.record)
+            }
+            MenuItem {
+                text: qsTr("Shuffle")
+                onTriggered: cell.actions.shuffle(cell.record)
+            }
+            MenuSeparator {}
+            MenuItem {
+                text: qsTr("Play Next")
+                onTriggered: cell.actions.playNext(cell.record)
+            }
+            MenuItem {
+                text: qsTr("Play Last")
+                onTriggered: cell.actions.playLast(cell.record)
+            }
+            MenuSeparator {}
+            MenuItem {
+                text: cell.actions.likesRevision, cell.actions.likeText(cell.albumId)
+                onTriggered: cell.actions.toggleLike(cell.record)
+            }
+            AddToPlaylistMenu {
+                library: cell.library
+                askNewPlaylistName: cell.askNewPlaylistName
+                album: cell.record
+            }
+            property AlbumDownloadButtons downloads: AlbumDownloadButtons {
+                menu: menu
+                position: 8
+                theme: cell.theme
+                downloads: cell.downloads
+                album: cell.record
+            }
         }
-        MenuItem {
-            text: qsTr("Shuffle")
-            onTriggered: cell.actions.shuffle(cell.record)
-        }
-        MenuSeparator {}
-        MenuItem {
-            text: qsTr("Play Next")
-            onTriggered: cell.actions.playNext(cell.record)
-        }
-        MenuItem {
-            text: qsTr("Play Last")
-            onTriggered: cell.actions.playLast(cell.record)
-        }
-        MenuSeparator {}
-        MenuItem {
-            text: cell.actions.likesRevision, cell.actions.likeText(cell.albumId)
-            onTriggered: cell.actions.toggleLike(cell.record)
-        }
-        AddToPlaylistMenu {
-            library: cell.library
-            askNewPlaylistName: cell.askNewPlaylistName
-            album: cell.record
-        }
-    }
-    AlbumDownloadButtons {
-        menu: menu
-        position: 8
-        theme: cell.theme
-        downloads: cell.downloads
-        album: cell.record
     }
 }

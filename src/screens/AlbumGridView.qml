@@ -40,6 +40,9 @@ ServerUnavailableFallback {
         cellWidth: page.cellWidth + page.theme.albumColumnSpacing
         cellHeight: page.cellWidth + 48 + page.theme.gridSpacing
         boundsBehavior: Flickable.StopAtBounds
+        // Cells scrolled away are reused for those coming in, and a row beyond each edge is made ahead of time.
+        reuseItems: true
+        cacheBuffer: cellHeight * 2
         ScrollBar.vertical: ScrollBar {}
 
         header: Label {

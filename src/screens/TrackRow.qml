@@ -77,33 +77,39 @@ ItemDelegate {
         onPressed: mouse => {
             row.screen.select(row.songId)
             row.ListView.view.forceActiveFocus(Qt.MouseFocusReason)
-            if (mouse.button === Qt.RightButton)
-                menu.popup()
+            if (mouse.button === Qt.RightButton) {
+                menuLoader.active = true
+                menuLoader.item.popup()
+            }
         }
         onDoubleClicked: mouse => {
             if (mouse.button === Qt.LeftButton)
                 row.screen.play(row.songId)
         }
     }
-    Menu {
-        id: menu
-        MenuItem {
-            text: qsTr("Play Next")
-            onTriggered: row.screen.playSongNext(row.songId)
-        }
-        MenuItem {
-            text: qsTr("Play Last")
-            onTriggered: row.screen.playSongLast(row.songId)
-        }
-        MenuSeparator {}
-        LikeMenuButton {
-            library: row.library
-            song: row.record
-        }
-        AddToPlaylistMenu {
-            library: row.library
-            askNewPlaylistName: row.askNewPlaylistName
-            songs: [row.record]
+    // Made when first opened: long albums make many rows.
+    Loader {
+        id: menuLoader
+        active: false
+        sourceComponent: Menu {
+            MenuItem {
+                text: qsTr("Play Next")
+                onTriggered: row.screen.playSongNext(row.songId)
+            }
+            MenuItem {
+                text: qsTr("Play Last")
+                onTriggered: row.screen.playSongLast(row.songId)
+            }
+            MenuSeparator {}
+            LikeMenuButton {
+                library: row.library
+                song: row.record
+            }
+            AddToPlaylistMenu {
+                library: row.library
+                askNewPlaylistName: row.askNewPlaylistName
+                songs: [row.record]
+            }
         }
     }
 }

@@ -62,6 +62,14 @@ private Q_SLOTS:
         QTest::qWait(300); // covers from the server
         QVERIFY(saveScreenshot(running->window, u"albums-grid"_s));
 
+        // The context menu in its order, download entries last.
+        running->click(first, Qt::RightButton);
+        QTRY_COMPARE(running->visibleMenuItems(),
+                     (QStringList{u"Play"_s, u"Shuffle"_s, u"Play Next"_s, u"Play Last"_s, u"Like Album"_s,
+                                  u"Add to Playlist"_s, u"Download"_s}));
+        QTest::keyClick(running->window, Qt::Key_Escape);
+        QTRY_COMPARE(running->visibleMenuItems(), QStringList());
+
         const QString albumName = first->property("name").toString();
         running->click(first);
         QTRY_COMPARE(navigation()->depth(), 1);
