@@ -2,7 +2,8 @@
 """Walks Velto's accessibility tree over AT-SPI, as a screen reader sees it, and checks what a listener needs:
 every control that takes input says what it is, no name carries a mnemonic marker, and each screen's own
 controls are there by name. First the connect screen, then the main window signed in to a small local server,
-then, with an album kept on disk, the Downloads screen and the album's page with its download badge.
+then, with an album kept on disk, the Downloads screen, the album's page with its download badge and tracks
+(opened from the disk, as this server has no albums to give), and the Albums grid.
 (The window tests check the dialogs and menus, which open only on input, through Qt's side of the same tree.)
 
     accessibility_walk.py VELTO_BINARY SIGNIN_BINARY
@@ -45,7 +46,10 @@ KEPT_ALBUM = {"id": "a1", "name": "Quiet Rooms", "artist": "Ada"}
 # Qt 6.4 hands headings to AT-SPI as labels.
 DOWNLOADS_SCREEN = {("label", "Downloads"), ("label", "Albums"), ("push button", "Quiet Rooms"),
                     ("push button", "Play Quiet Rooms")}
-ALBUM_PAGE = {("label", "Quiet Rooms"), ("push button", "More"), ("image", "Download Status")}
+ALBUM_PAGE = {("label", "Quiet Rooms"), ("push button", "More"), ("image", "Download Status"),
+              ("push button", "Play"), ("push button", "Shuffle"), ("push button", "Like Album"),
+              ("list item", "First Light")}
+ALBUMS_GRID = {("label", "Albums"), ("push button", "Quiet Rooms"), ("push button", "Loud Halls")}
 
 
 class FakeServer(http.server.BaseHTTPRequestHandler):
@@ -58,6 +62,9 @@ class FakeServer(http.server.BaseHTTPRequestHandler):
             payload["playlists"] = {"playlist": PLAYLISTS}
         elif endpoint == "getStarred2":
             payload["starred2"] = {}
+        elif endpoint == "getAlbumList2":
+            offset = int(urllib.parse.parse_qs(urllib.parse.urlparse(self.path).query).get("offset", ["0"])[0])
+            payload["albumList2"] = {"album": [] if offset else [KEPT_ALBUM, {"id": "a2", "name": "Loud Halls"}]}
         body = json.dumps({"subsonic-response": payload}).encode()
         self.send_response(200)
         self.send_header("Content-Type", "application/json")
@@ -201,6 +208,8 @@ def main():
         problems += walk_running(velto, checker_for(DOWNLOADS_SCREEN, "the Downloads screen"))
         keep_album(url, "walker", "downloads", [{"kind": "album", "record": KEPT_ALBUM}])
         problems += walk_running(velto, checker_for(ALBUM_PAGE, "the album page", "Available offline"))
+        keep_album(url, "walker", "albums", [])
+        problems += walk_running(velto, checker_for(ALBUMS_GRID, "the Albums grid"))
     server.shutdown()
 
     for problem in problems:
