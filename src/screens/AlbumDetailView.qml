@@ -106,6 +106,7 @@ Item {
                             color: page.theme.secondaryText
                         }
                         DownloadStatusBadge {
+                            objectName: "albumDownloadBadge"
                             theme: page.theme
                             downloads: page.downloads
                             key: "album:" + (albumScreen.record.id || "")
