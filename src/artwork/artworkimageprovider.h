@@ -30,6 +30,8 @@ public:
 
     // `cornerRadius` in pixels of the image; 0 for square corners.
     [[nodiscard]] static QString source(const QString &coverArt, int pixelSize, int cornerRadius = 0);
+    // The cover blurred into a backdrop, made once on the loader thread from the cover at `pixelSize`.
+    [[nodiscard]] static QString backdropSource(const QString &coverArt, int pixelSize);
     static constexpr QLatin1StringView providerId{"artwork"};
 
 private:

@@ -42,6 +42,12 @@ QUrl ArtworkSource::source() const
     return QUrl(ArtworkImageProvider::source(m_coverArt, pixels, radius));
 }
 
+QUrl ArtworkSource::backdrop() const
+{
+    // A small cover is enough for an image that is blurred anyway.
+    return m_coverArt.isEmpty() ? QUrl() : QUrl(ArtworkImageProvider::backdropSource(m_coverArt, 128));
+}
+
 void CoverCollage::setSongCovers(const QStringList &covers)
 {
     const QStringList kept = covers.mid(0, mosaicCoverCount);

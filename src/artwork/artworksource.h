@@ -15,6 +15,8 @@ class ArtworkSource : public QObject
     Q_PROPERTY(qreal requestSize READ requestSize WRITE setRequestSize NOTIFY changed)
     Q_PROPERTY(qreal cornerRadius READ cornerRadius WRITE setCornerRadius NOTIFY changed)
     Q_PROPERTY(QUrl source READ source NOTIFY changed)
+    // The cover blurred into a backdrop; its size does not follow requestSize.
+    Q_PROPERTY(QUrl backdrop READ backdrop NOTIFY changed)
 
 public:
     using QObject::QObject;
@@ -26,6 +28,7 @@ public:
     [[nodiscard]] qreal cornerRadius() const { return m_cornerRadius; }
     void setCornerRadius(qreal radius);
     [[nodiscard]] QUrl source() const;
+    [[nodiscard]] QUrl backdrop() const;
 
 Q_SIGNALS:
     void changed();

@@ -28,6 +28,8 @@ class CoverPalette : public QObject
     Q_PROPERTY(QColor tint READ tint NOTIFY paletteChanged)
     Q_PROPERTY(QColor fill READ fill NOTIFY paletteChanged)
     Q_PROPERTY(QColor label READ label NOTIFY paletteChanged)
+    // How dark a black scrim over the cover must be for white text at 0.8; a middle value without a palette.
+    Q_PROPERTY(double scrimOpacity READ scrimOpacity NOTIFY paletteChanged)
 
 public:
     // Enough pixels for the palette's raster.
@@ -41,6 +43,7 @@ public:
     [[nodiscard]] QColor tint() const { return m_palette ? m_palette->tint : QColor(Qt::transparent); }
     [[nodiscard]] QColor fill() const { return m_palette ? m_palette->fill : QColor(Qt::transparent); }
     [[nodiscard]] QColor label() const { return m_palette ? m_palette->label : QColor(Qt::transparent); }
+    [[nodiscard]] double scrimOpacity() const { return m_palette ? m_palette->scrimOpacity(0.8) : 0.5; }
 
 Q_SIGNALS:
     void libraryChanged();

@@ -24,7 +24,8 @@ Loader {
     // A screen's own colour for the window.
     function onAccent(color) { navigation.reportAccent(depth, color) }
 
-    sourceComponent: kind === "downloads" ? downloadsView
+    sourceComponent: kind === "home" ? homeView
+                   : kind === "downloads" ? downloadsView
                    : kind === "album" ? albumView
                    : gridListType !== "" ? gridView
                    : placeholder
@@ -36,6 +37,19 @@ Loader {
             downloads: destination.downloads
             player: destination.player
             navigation: destination.navigation
+        }
+    }
+    Component {
+        id: homeView
+        HomeView {
+            theme: destination.theme
+            navigation: destination.navigation
+            library: destination.library
+            downloads: destination.downloads
+            player: destination.player
+            askNewPlaylistName: destination.askNewPlaylistName
+            isOnScreen: destination.visible
+            onAccent: color => destination.onAccent(color)
         }
     }
     Component {

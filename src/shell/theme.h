@@ -52,6 +52,9 @@ class Theme : public QObject
     Q_PROPERTY(int albumArtworkSize MEMBER albumArtworkSize CONSTANT)
     Q_PROPERTY(int albumPageMaxWidth MEMBER albumPageMaxWidth CONSTANT)
     Q_PROPERTY(int albumHeaderArtwork MEMBER albumHeaderArtwork CONSTANT)
+    Q_PROPERTY(int homeCardWidth MEMBER homeCardWidth CONSTANT)
+    Q_PROPERTY(int homeCardSpacing MEMBER homeCardSpacing CONSTANT)
+    Q_PROPERTY(int featuredArtSize MEMBER featuredArtSize CONSTANT)
     Q_PROPERTY(int barHeight MEMBER barHeight CONSTANT)
     Q_PROPERTY(int barMaxWidth MEMBER barMaxWidth CONSTANT)
     Q_PROPERTY(int barRadius MEMBER barRadius CONSTANT)
@@ -123,6 +126,10 @@ public:
     const int albumArtworkSize = 220;
     const int albumPageMaxWidth = 900;
     const int albumHeaderArtwork = 230;
+    // Home: the cards of its rows and the space between them; the featured album's cover.
+    const int homeCardWidth = 170;
+    const int homeCardSpacing = 20;
+    const int featuredArtSize = 148;
     // The playback bar: its height and widest, the band of cover and text, and the position strip's hit band
     // around a thin line that thickens while in use; the volume track; the fade of the strip's times.
     const int barHeight = 56;

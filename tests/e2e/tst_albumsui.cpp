@@ -51,6 +51,25 @@ private Q_SLOTS:
         QTRY_VERIFY(navigation());
     }
 
+    // Home, where the window opens: the featured card and the rows, each with its strip of cards.
+    void homeShowsTheFeaturedAlbumAndTheRows()
+    {
+        QCOMPARE(navigation()->rootKind(), u"home"_s);
+        QTRY_VERIFY(running->visibleItem(u"featuredCard"_s));
+        QObject *featured = running->find<QObject>(u"featuredCarousel"_s);
+        QTRY_VERIFY(featured->property("count").toInt() >= 2);
+        QTRY_VERIFY(running->visibleItem(u"homeStrip"_s));
+        QTRY_VERIFY(running->visibleItem(u"homeStrip"_s)->property("count").toInt() > 0);
+        QCOMPARE(unnamedControls(running->window), QStringList());
+        QTest::qWait(500); // covers and the backdrop
+        QVERIFY(saveScreenshot(running->window, u"home"_s));
+
+        // Paging by hand; the featured name follows.
+        const QString before = running->visibleItem(u"featuredName"_s)->property("text").toString();
+        QMetaObject::invokeMethod(featured, "step", Q_ARG(int, 1));
+        QTRY_VERIFY(running->visibleItem(u"featuredName"_s)->property("text").toString() != before);
+    }
+
     void aGridOpensAnAlbumWhoseTracksPlayByMouseAndKeyboard()
     {
         navigation()->selectKey(u"item:albums"_s);

@@ -1,6 +1,7 @@
-// The album screens' rules without a window: discs and the metadata line, the selection's moves, an album page
-// that plays in server order and opens from the download when the server fails, and a grid that pages in as its
-// last cell shows and says why it is empty.
+// The album screens' and Home's rules without a window: discs and the metadata line, the selection's moves, an
+// album page that plays in server order and opens from the download when the server fails, a grid that pages in
+// as its last cell shows and says why it is empty, the strips' paging, the rows' states and the carousel's
+// rhythm.
 
 #include "../playback/fakeaudioengine.h"
 #include "fakesubsonicserver.h"
@@ -12,6 +13,8 @@
 #include "screens/albumdetailscreen.h"
 #include "screens/albumgridscreen.h"
 #include "screens/albumtracks.h"
+#include "screens/homerows.h"
+#include "screens/homescreen.h"
 #include "testdata.h"
 
 #include <QJsonArray>
@@ -198,6 +201,77 @@ private Q_SLOTS:
         failed.componentComplete();
         QTRY_COMPARE(failed.messageTitle(), u"Couldn’t Load Albums"_s);
         QCOMPARE(failed.messageSymbol(), u"exclamationmark.triangle"_s);
+    }
+
+    void aStripPagesByWholeCards()
+    {
+        constexpr double stride = 190;
+        QCOMPARE(StripPaging::target(0, 400, stride, 20, 1), 2); // two cards fit
+        QCOMPARE(StripPaging::target(0, 100, stride, 20, 1), 1); // at least one
+        QCOMPARE(StripPaging::target(0, 400, stride, 20, -1), std::nullopt);
+        QCOMPARE(StripPaging::target(190, 400, stride, 20, -1), 0);
+        QCOMPARE(StripPaging::target(17 * stride, 400, stride, 20, 1), 19); // the last card, then no further
+        QCOMPARE(StripPaging::target(19 * stride, 400, stride, 20, 1), std::nullopt);
+        QVERIFY(!StripPaging::canScrollLeft(0));
+        QVERIFY(StripPaging::canScrollRight(0, 400, 1000));
+        QVERIFY(!StripPaging::canScrollRight(600, 400, 1000)); // the end
+        QVERIFY(!StripPaging::canScrollRight(0, 400, 380)); // no overflow
+    }
+
+    void aRowShowsItsAlbumsItsFailureOrNothing()
+    {
+        server.on(u"getAlbumList2"_s, [](const RecordedRequest &request) {
+            if (request.value(u"type"_s) == u"frequent"_s)
+                return FakeSubsonicServer::error(0, u"No counts here"_s);
+            QJsonArray list;
+            for (int i = 0; i < 30; ++i)
+                list.append(QJsonObject{{u"id"_s, u"al%1"_s.arg(i)}, {u"name"_s, u"Album %1"_s.arg(i)}});
+            return FakeSubsonicServer::json({{u"albumList2"_s, QJsonObject{{u"album"_s, list}}}});
+        });
+        HomeScreen home;
+        home.setProperty("library", QVariant::fromValue(library.get()));
+        home.componentComplete();
+        HomeRow recent;
+        recent.setLibrary(library.get());
+        recent.setListType(u"recent"_s);
+        HomeRow frequent;
+        frequent.setLibrary(library.get());
+        frequent.setListType(u"frequent"_s);
+        QTRY_COMPARE(recent.shows(), u"strip"_s);
+        QCOMPARE(recent.albums()->rowCount(), HomeRow::cardLimit);
+        // A server fault with the server reachable: the row says so under its heading.
+        QTRY_COMPARE(frequent.shows(), u"error"_s);
+        QCOMPARE(frequent.errorMessage().contains(u"No counts here"_s), true);
+
+        // With the server gone, an empty row goes away; one with albums stays.
+        server.stop();
+        library->refresh();
+        QTRY_VERIFY(!library->reachability().isOk());
+        QTRY_COMPARE(frequent.shows(), u"hidden"_s);
+    }
+
+    void theCarouselStepsEveryPeriodUnlessHoveredAndRestartsOnlyOnANewKey()
+    {
+        FeaturedCarousel carousel;
+        QList<Album> albums;
+        for (int i = 0; i < 3; ++i)
+            albums.append(Album::fromJson(albumRecord(u"f%1"_s.arg(i))));
+        carousel.setAlbums(albums);
+        carousel.setOnScreen(true);
+        carousel.step(-1);
+        QCOMPARE(carousel.index(), 2); // wraps round
+        carousel.step(1);
+        QCOMPARE(carousel.index(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(carousel.index(), 1, FeaturedCarousel::advanceMs + 2000);
+        // Hovering lets periods pass without a step.
+        carousel.setProperty("isHovering", true);
+        QTest::qWait(FeaturedCarousel::advanceMs + 500);
+        QCOMPARE(carousel.index(), 1);
+        carousel.setProperty("isHovering", false);
+        // One album: no rhythm at all.
+        carousel.setAlbums(albums.mid(0, 1));
+        QTest::qWait(FeaturedCarousel::advanceMs + 500);
+        QCOMPARE(carousel.index(), 0);
     }
 };
 

@@ -31,6 +31,7 @@ CONNECT_SCREEN = {
     ("check box", "Use legacy authentication"),
 }
 MENU_BAR = ["File", "Library", "Playback", "Help"]
+# Home is where the window opens: the featured card and the rows, from the albums this server lists.
 MAIN_WINDOW = {
     ("push button", "Back"), ("text", "Search"), ("list", "Sidebar"), ("list item", "New Playlist"),
     ("list item", "Home"), ("list item", "Artists"), ("list item", "Albums"), ("list item", "Songs"),
@@ -40,6 +41,8 @@ MAIN_WINDOW = {
     ("tool bar", "Playback"), ("push button", "Shuffle"), ("push button", "Previous"), ("push button", "Play"),
     ("push button", "Next"), ("push button", "Repeat"), ("push button", "Like"), ("push button", "Up Next"),
     ("push button", "Mute"),
+    ("push button", "Open album Quiet Rooms"), ("push button", "Play"), ("push button", "Shuffle"),
+    ("push button", "Show all Recently Played"), ("push button", "Show all Random Albums"),
 }
 PLAYLISTS = [{"id": "p1", "name": "Morning"}, {"id": "p2", "name": "Workout"}]
 KEPT_ALBUM = {"id": "a1", "name": "Quiet Rooms", "artist": "Ada"}
