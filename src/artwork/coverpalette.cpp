@@ -4,12 +4,34 @@
 #include "library/librarystore.h"
 #include "paletteextractor.h"
 
+LibraryStore *CoverPalette::library() const
+{
+    return m_library;
+}
+
+void CoverPalette::setLibrary(LibraryStore *library)
+{
+    if (m_library == library)
+        return;
+    m_library = library;
+    Q_EMIT libraryChanged();
+    // A cover set before the library could not be read yet.
+    if (!m_palette)
+        read();
+}
+
 void CoverPalette::setCoverArt(const QString &coverArt)
 {
     if (m_coverArt == coverArt)
         return;
     m_coverArt = coverArt;
     Q_EMIT coverArtChanged();
+    read();
+}
+
+void CoverPalette::read()
+{
+    const QString coverArt = m_coverArt;
     m_reading.cancel();
     if (coverArt.isEmpty()) {
         setPalette(std::nullopt);

@@ -20,7 +20,7 @@ class CoverPalette : public QObject
     Q_OBJECT
     QML_ELEMENT
     Q_MOC_INCLUDE("library/librarystore.h")
-    Q_PROPERTY(LibraryStore *library MEMBER m_library NOTIFY libraryChanged)
+    Q_PROPERTY(LibraryStore *library READ library WRITE setLibrary NOTIFY libraryChanged)
     Q_PROPERTY(QString coverArt READ coverArt WRITE setCoverArt NOTIFY coverArtChanged)
     Q_PROPERTY(bool hasPalette READ hasPalette NOTIFY paletteChanged)
     // Transparent without a palette.
@@ -36,6 +36,8 @@ public:
     static constexpr int pixelSize = 64;
 
     using QObject::QObject;
+    [[nodiscard]] LibraryStore *library() const;
+    void setLibrary(LibraryStore *library);
     [[nodiscard]] const QString &coverArt() const { return m_coverArt; }
     void setCoverArt(const QString &coverArt);
     [[nodiscard]] bool hasPalette() const { return m_palette.has_value(); }
@@ -51,6 +53,7 @@ Q_SIGNALS:
     void paletteChanged();
 
 private:
+    void read();
     void setPalette(std::optional<AlbumPalette> palette);
 
     QPointer<LibraryStore> m_library;

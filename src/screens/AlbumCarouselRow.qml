@@ -110,8 +110,9 @@ Column {
             function page(direction) {
                 const target = rowState.pageTarget(contentX + leftMargin, width - leftMargin - rightMargin,
                                                    row.stride, direction)
+                // Held to the scroll range: the last page stops with the last card at the trailing edge.
                 if (target >= 0 && target < count)
-                    contentX = target * row.stride - leftMargin
+                    contentX = Math.min(target * row.stride - leftMargin, originX + contentWidth + rightMargin - width)
             }
         }
         HoverHandler { id: stripHover }

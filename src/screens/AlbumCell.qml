@@ -20,11 +20,15 @@ AbstractButton {
     required property var askNewPlaylistName
     property real artworkSize: 220
 
+    // The album a menu was opened for, kept while it is open: the cell may show another album meanwhile.
+    property var menuRecord: ({})
     // The menu is made when first opened: a grid makes and drops cells as it scrolls.
     function openMenu() {
+        menuRecord = record
         menuLoader.active = true
         menuLoader.item.popup(cell, cover.width / 2, cover.height / 2)
     }
+    onAlbumIdChanged: if (menuLoader.item) menuLoader.item.close()
 
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
@@ -41,12 +45,17 @@ AbstractButton {
             event.accepted = true
         }
     }
-    onHoveredChanged: if (hovered && !Drag.imageSource.toString())
-        artwork.grabToImage(result => cell.Drag.imageSource = result.url, Qt.size(110, 110))
+    ArtworkSource {
+        id: dragCover
+        coverArt: cell.coverArt
+        requestSize: 110
+        cornerRadius: cell.theme.coverRadius
+    }
 
     Drag.active: drag.active
     Drag.dragType: Drag.Automatic
     Drag.supportedActions: Qt.CopyAction
+    Drag.imageSource: dragCover.source
     Drag.mimeData: ({ [actions.dragType]: actions.dragData(record), "text/plain": name })
     DragHandler {
         id: drag
@@ -157,37 +166,37 @@ AbstractButton {
             id: menu
             MenuItem {
                 text: qsTr("Play")
-                onTriggered: cell.actions.play(cell.record)
+                onTriggered: cell.actions.play(cell.menuRecord)
             }
             MenuItem {
                 text: qsTr("Shuffle")
-                onTriggered: cell.actions.shuffle(cell.record)
+                onTriggered: cell.actions.shuffle(cell.menuRecord)
             }
             MenuSeparator {}
             MenuItem {
                 text: qsTr("Play Next")
-                onTriggered: cell.actions.playNext(cell.record)
+                onTriggered: cell.actions.playNext(cell.menuRecord)
             }
             MenuItem {
                 text: qsTr("Play Last")
-                onTriggered: cell.actions.playLast(cell.record)
+                onTriggered: cell.actions.playLast(cell.menuRecord)
             }
             MenuSeparator {}
             MenuItem {
-                text: cell.actions.likesRevision, cell.actions.likeText(cell.albumId)
-                onTriggered: cell.actions.toggleLike(cell.record)
+                text: cell.actions.likesRevision, cell.actions.likeText(cell.menuRecord.id)
+                onTriggered: cell.actions.toggleLike(cell.menuRecord)
             }
             AddToPlaylistMenu {
                 library: cell.library
                 askNewPlaylistName: cell.askNewPlaylistName
-                album: cell.record
+                album: cell.menuRecord
             }
             property AlbumDownloadButtons downloads: AlbumDownloadButtons {
                 menu: menu
                 position: 8
                 theme: cell.theme
                 downloads: cell.downloads
-                album: cell.record
+                album: cell.menuRecord
             }
         }
     }

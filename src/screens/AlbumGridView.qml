@@ -84,7 +84,9 @@ ServerUnavailableFallback {
                 downloads: page.downloads
                 askNewPlaylistName: page.askNewPlaylistName
             }
+            // A reused cell shows another album: it counts as shown too, the last one asking for the next page.
             Component.onCompleted: screen.cellShown(index)
+            GridView.onReused: screen.cellShown(index)
         }
         footer: PlaybackBarClearance { theme: page.theme }
     }

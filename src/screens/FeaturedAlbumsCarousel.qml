@@ -56,14 +56,14 @@ Item {
         color: carousel.theme.raisedSurface
 
         ArtworkSource {
-            id: source
+            id: coverSource
             coverArt: carousel.album.coverArt || ""
         }
         Image {
             anchors.centerIn: parent
             width: parent.width * 1.3
             height: width
-            source: source.backdrop
+            source: coverSource.backdrop
             fillMode: Image.PreserveAspectCrop
             smooth: true
             asynchronous: true

@@ -245,9 +245,10 @@ private Q_SLOTS:
 
         // With the server gone, an empty row goes away; one with albums stays.
         server.stop();
-        library->refresh();
+        frequent.retry();
         QTRY_VERIFY(!library->reachability().isOk());
         QTRY_COMPARE(frequent.shows(), u"hidden"_s);
+        QCOMPARE(recent.shows(), u"strip"_s);
     }
 
     void theCarouselStepsEveryPeriodUnlessHoveredAndRestartsOnlyOnANewKey()
@@ -268,6 +269,12 @@ private Q_SLOTS:
         QTest::qWait(FeaturedCarousel::advanceMs + 500);
         QCOMPARE(carousel.index(), 1);
         carousel.setProperty("isHovering", false);
+        // Off screen there is no rhythm; back on screen it starts afresh.
+        carousel.setOnScreen(false);
+        QTest::qWait(FeaturedCarousel::advanceMs + 500);
+        QCOMPARE(carousel.index(), 1);
+        carousel.setOnScreen(true);
+        QTRY_COMPARE_WITH_TIMEOUT(carousel.index(), 2, FeaturedCarousel::advanceMs + 2000);
         // One album: no rhythm at all.
         carousel.setAlbums(albums.mid(0, 1));
         QTest::qWait(FeaturedCarousel::advanceMs + 500);
