@@ -37,6 +37,7 @@ Popup {
     closePolicy: Popup.CloseOnPressOutsideParent
     onClosed: controller.dismiss()
     onAboutToShow: placeAnew()
+    Component.onCompleted: if (controller.isOpen) open()
 
     Connections {
         target: dropdown.field.Window.window

@@ -207,8 +207,12 @@ Rectangle {
             theme: barView.theme
             symbol: "list.bullet"
             help: qsTr("Up Next")
-            isOn: queue.visible
-            onClicked: queue.visible ? queue.close() : queue.open()
+            isOn: queueLoader.item ? queueLoader.item.visible : false
+            onClicked: {
+                queueLoader.active = true
+                const queue = queueLoader.item
+                queue.visible ? queue.close() : queue.open()
+            }
         }
         OutputButton {
             objectName: "outputButton"
@@ -221,12 +225,17 @@ Rectangle {
         }
     }
 
-    QueueView {
-        id: queue
-        objectName: "queuePopup"
-        theme: barView.theme
-        player: barView.player
-        x: Math.min(queueButton.x + queueButton.width / 2 - width / 2 + 12, barView.width - width)
-        y: -height - 8
+    // Made when first opened: start-up draws only what the first frame shows.
+    Loader {
+        id: queueLoader
+        active: false
+        sourceComponent: QueueView {
+            objectName: "queuePopup"
+            parent: barView
+            theme: barView.theme
+            player: barView.player
+            x: Math.min(queueButton.x + queueButton.width / 2 - width / 2 + 12, barView.width - width)
+            y: -height - 8
+        }
     }
 }

@@ -10,22 +10,30 @@ BarButton {
     visible: bar.hasOutputChoice
     symbol: "hifispeaker"
     help: qsTr("Audio Output")
-    onClicked: menu.popup(button, 0, -menu.implicitHeight)
+    onClicked: {
+        menuLoader.active = true
+        menuLoader.item.popup(button, 0, -menuLoader.item.implicitHeight)
+    }
 
-    Menu {
-        id: menu
-        objectName: "outputMenu"
-        Instantiator {
-            model: button.bar.outputs
-            delegate: MenuItem {
-                required property var modelData
-                text: modelData.description
-                checkable: true
-                checked: modelData.current
-                onTriggered: button.bar.chooseOutput(modelData.name)
+    // Made when first opened.
+    Loader {
+        id: menuLoader
+        active: false
+        sourceComponent: Menu {
+            id: menu
+            objectName: "outputMenu"
+            Instantiator {
+                model: button.bar.outputs
+                delegate: MenuItem {
+                    required property var modelData
+                    text: modelData.description
+                    checkable: true
+                    checked: modelData.current
+                    onTriggered: button.bar.chooseOutput(modelData.name)
+                }
+                onObjectAdded: (index, object) => menu.insertItem(index, object)
+                onObjectRemoved: (index, object) => menu.removeItem(object)
             }
-            onObjectAdded: (index, object) => menu.insertItem(index, object)
-            onObjectRemoved: (index, object) => menu.removeItem(object)
         }
     }
 }

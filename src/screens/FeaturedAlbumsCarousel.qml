@@ -34,6 +34,17 @@ Item {
     }
     onIsOnScreenChanged: if (isOnScreen) onAccent(coverPalette.accent)
 
+    // A new album comes in with a short fade of its cover and words.
+    Connections {
+        target: featured
+        function onIndexChanged() { change.restart() }
+    }
+    ParallelAnimation {
+        id: change
+        NumberAnimation { target: art; property: "opacity"; from: 0.3; to: 1; duration: 350; easing.type: Easing.InOutQuad }
+        NumberAnimation { target: details; property: "opacity"; from: 0.3; to: 1; duration: 350; easing.type: Easing.InOutQuad }
+    }
+
     // While the first answer is on its way.
     Rectangle {
         anchors { fill: parent; leftMargin: carousel.theme.pageMargin; rightMargin: carousel.theme.pageMargin }
@@ -59,7 +70,17 @@ Item {
             id: coverSource
             coverArt: carousel.album.coverArt || ""
         }
+        // The backdrop shown stays until the next one has loaded, which then fades in over it.
         Image {
+            id: shownBackdrop
+            anchors.centerIn: parent
+            width: parent.width * 1.3
+            height: width
+            fillMode: Image.PreserveAspectCrop
+            smooth: true
+        }
+        Image {
+            id: nextBackdrop
             anchors.centerIn: parent
             width: parent.width * 1.3
             height: width
@@ -67,6 +88,20 @@ Item {
             fillMode: Image.PreserveAspectCrop
             smooth: true
             asynchronous: true
+            opacity: 0
+            onStatusChanged: if (status === Image.Ready) fadeIn.restart()
+            NumberAnimation on opacity {
+                id: fadeIn
+                running: false
+                from: 0
+                to: 1
+                duration: 350
+                easing.type: Easing.InOutQuad
+                onFinished: {
+                    shownBackdrop.source = nextBackdrop.source
+                    nextBackdrop.opacity = 0
+                }
+            }
         }
         Rectangle {
             anchors.fill: parent
@@ -97,6 +132,7 @@ Item {
             onClicked: carousel.navigation.pushAlbum(carousel.album)
         }
         Column {
+            id: details
             anchors { left: art.right; leftMargin: 24; right: parent.right; rightMargin: 64; verticalCenter: parent.verticalCenter }
             spacing: 6
 

@@ -6,6 +6,7 @@ import Velto
 // played and random albums.
 ServerUnavailableFallback {
     id: page
+    objectName: "homeView"
     required property PlayerController player
     required property var askNewPlaylistName
     required property bool isOnScreen

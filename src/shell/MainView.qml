@@ -110,11 +110,20 @@ FocusScope {
                     // The dropdown's keys are handled here, where the field already has them.
                     Keys.onPressed: event => event.accepted = search.keyPressed(event.key)
 
-                    SearchDropdown {
-                        objectName: "searchDropdown"
-                        theme: view.theme
-                        controller: search
-                        field: searchField
+                    // Made with the first suggestions: start-up draws only what the first frame shows.
+                    Loader {
+                        id: dropdownLoader
+                        active: false
+                        sourceComponent: SearchDropdown {
+                            objectName: "searchDropdown"
+                            theme: view.theme
+                            controller: search
+                            field: searchField
+                        }
+                        Connections {
+                            target: search
+                            function onIsOpenChanged() { dropdownLoader.active = true }
+                        }
                     }
                 }
             }

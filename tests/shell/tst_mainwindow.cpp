@@ -335,7 +335,8 @@ private Q_SLOTS:
         QTest::keySequence(running->window, QKeySequence::Find);
         QTRY_VERIFY(field->hasActiveFocus());
         running->type(u"blue"_s);
-        QObject *dropdown = running->find<QObject>(u"searchDropdown"_s);
+        QObject *dropdown = nullptr;
+        QTRY_VERIFY((dropdown = running->find<QObject>(u"searchDropdown"_s)));
         QTRY_VERIFY(dropdown->property("opened").toBool());
         QVERIFY(field->hasActiveFocus());
         QCOMPARE(unnamedControls(running->window), QStringList());
