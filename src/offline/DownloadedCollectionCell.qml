@@ -38,20 +38,10 @@ AbstractButton {
             scale: cell.hovered ? cell.theme.hoverScale : 1
             Behavior on scale { NumberAnimation { duration: 120 } }
 
-            // A soft shadow from a few widening layers; it deepens under the pointer.
-            Repeater {
-                model: 4
-                Rectangle {
-                    required property int index
-                    readonly property real spread: (index + 1) * (cell.hovered ? 2 : 1)
-                    x: -spread / 2
-                    y: 2 - spread / 2
-                    width: cover.width + spread
-                    height: cover.height + spread
-                    radius: cell.theme.coverRadius + spread / 2
-                    color: "black"
-                    opacity: (cell.hovered ? 0.25 : 0.12) / 4
-                }
+            CoverShadow {
+                anchors.fill: parent
+                theme: cell.theme
+                raised: cell.hovered
             }
             CollectionArtworkView {
                 anchors.fill: parent

@@ -23,35 +23,13 @@ Item {
         onOpenAlbum: album => page.navigation.pushAlbum(album)
     }
 
-    Column {
+    UnavailableContent {
         objectName: "downloadsEmpty"
         visible: downloadsScreen.isEmpty
-        anchors.centerIn: parent
-        width: Math.min(parent.width - 2 * page.theme.pageMargin, 360)
-        spacing: 10
-
-        SymbolIcon {
-            anchors.horizontalCenter: parent.horizontalCenter
-            symbol: "arrow.down.circle"
-            size: 44
-            color: page.theme.tertiaryText
-        }
-        Label {
-            width: parent.width
-            horizontalAlignment: Text.AlignHCenter
-            text: qsTr("No Downloads")
-            color: page.theme.text
-            font.pixelSize: page.theme.headlineSize
-            font.weight: Font.Bold
-            Accessible.role: Accessible.Heading
-        }
-        Label {
-            width: parent.width
-            horizontalAlignment: Text.AlignHCenter
-            wrapMode: Text.WordWrap
-            text: qsTr("Download an album or playlist to keep it on this computer and play it without a connection.")
-            color: page.theme.secondaryText
-        }
+        theme: page.theme
+        symbol: "arrow.down.circle"
+        title: qsTr("No Downloads")
+        description: qsTr("Download an album or playlist to keep it on this computer and play it without a connection.")
     }
 
     ListView {

@@ -5,6 +5,7 @@
 #include "artwork/artworkfetcher.h"
 #include "common/observable.h"
 #include "common/saturating.h"
+#include "downloadedcollections.h"
 #include "manifestfile.h"
 
 #include <QDir>
@@ -150,21 +151,9 @@ CollectionDownloadState DownloadStore::state(const QString &key, const QStringLi
 
 QList<DownloadCollection> DownloadStore::downloadedCollections() const
 {
-    QHash<QString, qint64> bytes;
-    for (const DownloadedSong &stored : manifest().songs) {
-        for (const QString &owner : stored.owners)
-            bytes[owner] = saturatingAdd(bytes.value(owner), stored.bytes);
-    }
-    QList<DownloadCollection> collections = manifest().collections.values();
-    // Name and key break ties only so that the order does not change from one call to the next.
-    const auto largerFirst = [&bytes](const DownloadCollection &a, const DownloadCollection &b) {
-        const qint64 bytesA = bytes.value(a.key);
-        const qint64 bytesB = bytes.value(b.key);
-        if (bytesA != bytesB)
-            return bytesA > bytesB;
-        return std::tie(a.name, a.key) < std::tie(b.name, b.key);
-    };
-    std::sort(collections.begin(), collections.end(), largerFirst);
+    QList<DownloadCollection> collections;
+    for (const DownloadedCollectionRow &row : DownloadedCollections::bySize(manifest(), manifest().songsByCollection()))
+        collections.append(row.collection);
     return collections;
 }
 

@@ -96,34 +96,12 @@ ServerUnavailableFallback {
         running: screen.state === "loading"
         visible: running
     }
-    Column {
+    UnavailableContent {
         objectName: "albumGridMessage"
         visible: screen.state === "message"
-        anchors.centerIn: parent
-        width: Math.min(parent.width - 2 * page.theme.pageMargin, 360)
-        spacing: 10
-
-        SymbolIcon {
-            anchors.horizontalCenter: parent.horizontalCenter
-            symbol: screen.messageSymbol
-            size: 44
-            color: page.theme.tertiaryText
-        }
-        Label {
-            width: parent.width
-            horizontalAlignment: Text.AlignHCenter
-            text: screen.messageTitle
-            color: page.theme.text
-            font.pixelSize: page.theme.headlineSize
-            font.weight: Font.Bold
-            Accessible.role: Accessible.Heading
-        }
-        Label {
-            width: parent.width
-            horizontalAlignment: Text.AlignHCenter
-            wrapMode: Text.WordWrap
-            text: screen.messageText
-            color: page.theme.secondaryText
-        }
+        theme: page.theme
+        symbol: screen.messageSymbol
+        title: screen.messageTitle
+        description: screen.messageText
     }
 }
