@@ -2,7 +2,7 @@
 
 // A list model whose rows are identified by their place, for lists that change by whole new values: a new value
 // updates the rows that differ, and inserts or removes rows between what stayed the same at both ends, so that a
-// view keeps its delegates, its scroll position and its selection through the change.
+// view keeps its delegates, its scroll position and its selection through the change. A row can also be moved.
 
 #include <QAbstractListModel>
 #include <QList>
@@ -48,6 +48,16 @@ protected:
                 m_items[i] = items.at(i);
             endInsertRows();
         }
+    }
+
+    // The row at `from` goes to `to`, counted in the list as it is now; the view moves its delegate with it.
+    void moveItem(qsizetype from, qsizetype to)
+    {
+        if (from == to || from < 0 || to < 0 || from >= m_items.size() || to >= m_items.size())
+            return;
+        beginMoveRows({}, int(from), int(from), {}, int(from < to ? to + 1 : to));
+        m_items.move(from, to);
+        endMoveRows();
     }
 
     [[nodiscard]] const Item *itemAt(const QModelIndex &index) const

@@ -92,34 +92,13 @@ ColumnLayout {
         onClicked: confirmation.open()
     }
 
-    Dialog {
+    ConfirmationDialog {
         id: confirmation
         objectName: "removeAllConfirmation"
-        parent: Overlay.overlay
-        anchors.centerIn: parent
-        width: Math.min(340, parent ? parent.width - 32 : 340)
-        modal: true
         title: qsTr("Remove all downloads?")
-
-        contentItem: Label {
-            text: storage.removeAllMessage
-            wrapMode: Text.WordWrap
-        }
-        footer: DialogButtonBox {
-            Button {
-                text: qsTr("Cancel")
-                DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
-            }
-            Button {
-                objectName: "confirmRemoveAll"
-                text: qsTr("Remove All")
-                palette.buttonText: section.theme.destructive
-                DialogButtonBox.buttonRole: DialogButtonBox.DestructiveRole
-                onClicked: {
-                    storage.removeAll()
-                    confirmation.close()
-                }
-            }
-        }
+        message: storage.removeAllMessage
+        confirmText: qsTr("Remove All")
+        destructiveColor: section.theme.destructive
+        onConfirmed: storage.removeAll()
     }
 }

@@ -33,21 +33,34 @@ QString metadataLine(std::optional<qint64> year, std::optional<qint64> durationS
     QStringList pieces;
     if (year)
         pieces.append(QString::number(*year));
-    if (durationSeconds && *durationSeconds >= 1) {
-        const qint64 minutes = std::max<qint64>(*durationSeconds / 60, 1);
-        pieces.append(QCoreApplication::translate("AlbumTracks", "%1 min").arg(minutes));
-    }
+    if (const QString length = lengthInMinutes(durationSeconds); !length.isEmpty())
+        pieces.append(length);
     return pieces.join(u" • "_s);
+}
+
+QString lengthInMinutes(std::optional<qint64> durationSeconds)
+{
+    if (!durationSeconds || *durationSeconds < 1)
+        return {};
+    const qint64 minutes = std::max<qint64>(*durationSeconds / 60, 1);
+    return QCoreApplication::translate("AlbumTracks", "%1 min").arg(minutes);
 }
 
 std::optional<QString> movedSelection(const QList<Song> &ordered, const QString &selectedId, int delta)
 {
-    if (ordered.isEmpty())
-        return std::nullopt;
     const auto found = std::find_if(ordered.cbegin(), ordered.cend(),
                                     [&selectedId](const Song &song) { return song.id == selectedId; });
-    const qsizetype count = ordered.size();
-    const qsizetype from = found != ordered.cend() ? found - ordered.cbegin() : (delta < 1 ? count : -1);
-    return ordered.at(std::clamp<qsizetype>(from + delta, 0, count - 1)).id;
+    const std::optional<qsizetype> selected =
+        found != ordered.cend() ? std::optional<qsizetype>(found - ordered.cbegin()) : std::nullopt;
+    const std::optional<qsizetype> moved = movedRow(selected, ordered.size(), delta);
+    return moved ? std::optional<QString>(ordered.at(*moved).id) : std::nullopt;
+}
+
+std::optional<qsizetype> movedRow(std::optional<qsizetype> selected, qsizetype count, int delta)
+{
+    if (count == 0)
+        return std::nullopt;
+    const qsizetype from = selected ? *selected : (delta < 1 ? count : -1);
+    return std::clamp<qsizetype>(from + delta, 0, count - 1);
 }
 }

@@ -27,6 +27,7 @@ Loader {
     sourceComponent: kind === "home" ? homeView
                    : kind === "downloads" ? downloadsView
                    : kind === "album" ? albumView
+                   : kind === "playlist" ? playlistView
                    : gridListType !== "" ? gridView
                    : placeholder
 
@@ -63,6 +64,18 @@ Loader {
             askNewPlaylistName: destination.askNewPlaylistName
             album: destination.record
             onAccent: color => destination.onAccent(color)
+        }
+    }
+    Component {
+        id: playlistView
+        PlaylistDetailView {
+            theme: destination.theme
+            navigation: destination.navigation
+            library: destination.library
+            downloads: destination.downloads
+            player: destination.player
+            askNewPlaylistName: destination.askNewPlaylistName
+            playlistId: destination.navigation.playlistId
         }
     }
     Component {

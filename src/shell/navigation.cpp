@@ -213,6 +213,12 @@ void Navigation::back()
         setPath(m_stack.entries().size() - 1, std::nullopt);
 }
 
+void Navigation::playlistDeleted(const QString &id)
+{
+    if (m_selection == SidebarSelection::playlist(id))
+        select(SidebarSelection::item(SidebarItem::Home));
+}
+
 void Navigation::popToRoot()
 {
     if (!m_stack.entries().isEmpty())

@@ -98,6 +98,8 @@ public:
     // "liked" for the liked albums; empty for screens that are no grid.
     Q_INVOKABLE static QString gridListType(const QString &kind, const QString &entryId);
     Q_INVOKABLE void back();
+    // A playlist that is gone takes the window to Home if it was on screen.
+    Q_INVOKABLE void playlistDeleted(const QString &id);
     Q_INVOKABLE void popToRoot();
     // A screen's own colour: `depth` 0 is the root, which counts only while nothing is pushed over it.
     Q_INVOKABLE void reportAccent(int depth, const QColor &accent);

@@ -21,8 +21,8 @@ QCoro::Task<> createAndSelect(QPointer<LibraryStore> library, QPointer<Navigatio
 QCoro::Task<> deleteAndLeave(QPointer<LibraryStore> library, QPointer<Navigation> navigation, QString id)
 {
     const bool deleted = co_await library->deletePlaylist(id);
-    if (deleted && navigation && navigation->selection() == SidebarSelection::playlist(id))
-        navigation->select(SidebarSelection::item(SidebarItem::Home));
+    if (deleted && navigation)
+        navigation->playlistDeleted(id);
 }
 
 // One after the other, in the order dropped, so that the playlist keeps that order.

@@ -52,6 +52,9 @@ class Theme : public QObject
     Q_PROPERTY(int albumArtworkSize MEMBER albumArtworkSize CONSTANT)
     Q_PROPERTY(int albumPageMaxWidth MEMBER albumPageMaxWidth CONSTANT)
     Q_PROPERTY(int albumHeaderArtwork MEMBER albumHeaderArtwork CONSTANT)
+    Q_PROPERTY(int playlistHeaderMaxWidth MEMBER playlistHeaderMaxWidth CONSTANT)
+    Q_PROPERTY(int dragScrollEdge MEMBER dragScrollEdge CONSTANT)
+    Q_PROPERTY(int dragScrollStep MEMBER dragScrollStep CONSTANT)
     Q_PROPERTY(int homeCardWidth MEMBER homeCardWidth CONSTANT)
     Q_PROPERTY(int homeCardSpacing MEMBER homeCardSpacing CONSTANT)
     Q_PROPERTY(int featuredArtSize MEMBER featuredArtSize CONSTANT)
@@ -126,6 +129,11 @@ public:
     const int albumArtworkSize = 220;
     const int albumPageMaxWidth = 900;
     const int albumHeaderArtwork = 230;
+    // A playlist page's header is no wider than this. A row dragged this close to a list's edge scrolls the list
+    // by this much a frame.
+    const int playlistHeaderMaxWidth = 800;
+    const int dragScrollEdge = 40;
+    const int dragScrollStep = 8;
     // Home: the cards of its rows and the space between them; the featured album's cover.
     const int homeCardWidth = 170;
     const int homeCardSpacing = 20;

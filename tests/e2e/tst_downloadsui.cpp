@@ -184,7 +184,7 @@ private Q_SLOTS:
         QTRY_VERIFY(confirmation->property("opened").toBool());
         QVERIFY(saveScreenshot(settings, u"downloads-remove-all"_s));
         QVERIFY(downloads()->isDownloaded(albumCollectionKey(albums.at(1).id)));
-        running->click(visibleItem(u"confirmRemoveAll"_s, settings));
+        running->click(visibleItem(u"confirmButton"_s, settings));
         QTRY_COMPARE(downloads()->totalBytes(), 0);
         QTRY_COMPARE(visibleItem(u"storageUsed"_s, settings)->property("text").toString(), u"None"_s);
     }
