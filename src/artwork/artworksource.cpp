@@ -16,7 +16,8 @@ void ArtworkSource::setCoverArt(const QString &coverArt)
 
 void ArtworkSource::setRequestSize(qreal size)
 {
-    if (ArtworkSize::pixelSize(size) == ArtworkSize::pixelSize(m_requestSize)) {
+    // Sizes of one bucket ask for the same image; but from no size to a small one, the image is asked for at last.
+    if ((size > 0) == (m_requestSize > 0) && ArtworkSize::pixelSize(size) == ArtworkSize::pixelSize(m_requestSize)) {
         m_requestSize = size;
         return;
     }

@@ -17,6 +17,7 @@ Button {
     implicitWidth: 34
     implicitHeight: 34
     padding: 0
+    opacity: enabled ? 1 : 0.4
     Accessible.name: help
     ToolTip.visible: hovered
     ToolTip.delay: 600

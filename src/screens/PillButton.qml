@@ -17,6 +17,7 @@ Button {
     topPadding: 9
     bottomPadding: 9
     font.weight: Font.Medium
+    opacity: enabled ? 1 : 0.4
     Accessible.name: text
 
     contentItem: Row {

@@ -170,32 +170,13 @@ Item {
                     }
                 }
             }
-            Item {
+            // What stands in for the rows: made only while there are none to show.
+            Loader {
                 width: parent.width
                 height: 220
-                visible: playlistScreen.state !== "tracks"
-
-                BusyIndicator {
-                    anchors.centerIn: parent
-                    running: playlistScreen.state === "loading"
-                    visible: running
-                }
-                UnavailableContent {
-                    objectName: "playlistError"
-                    visible: playlistScreen.state === "error"
-                    theme: page.theme
-                    symbol: "exclamationmark.triangle"
-                    title: qsTr("Couldn’t Load Playlist")
-                    description: playlistScreen.errorMessage
-                }
-                UnavailableContent {
-                    objectName: "playlistEmpty"
-                    visible: playlistScreen.state === "empty"
-                    theme: page.theme
-                    symbol: "music.note.list"
-                    title: qsTr("Empty Playlist")
-                    description: qsTr("Add songs from anywhere with “Add to Playlist”.")
-                }
+                visible: active
+                active: playlistScreen.state !== "tracks"
+                sourceComponent: playlistScreen.state === "loading" ? busy : unavailable
             }
         }
         delegate: PlaylistTrackRow {
@@ -237,6 +218,7 @@ Item {
     // What the pointer carries: the dragged entry's title on a raised strip.
     Rectangle {
         id: ghost
+        objectName: "dragGhost"
         property string title
         visible: Drag.active
         width: tracks.width - tracks.leftMargin - tracks.rightMargin
@@ -270,6 +252,28 @@ Item {
         }
     }
 
+    Component {
+        id: busy
+        Item {
+            BusyIndicator {
+                anchors.centerIn: parent
+                running: true
+            }
+        }
+    }
+    Component {
+        id: unavailable
+        Item {
+            UnavailableContent {
+                objectName: playlistScreen.state === "error" ? "playlistError" : "playlistEmpty"
+                theme: page.theme
+                symbol: playlistScreen.state === "error" ? "exclamationmark.triangle" : "music.note.list"
+                title: playlistScreen.state === "error" ? qsTr("Couldn’t Load Playlist") : qsTr("Empty Playlist")
+                description: playlistScreen.state === "error" ? playlistScreen.errorMessage
+                                                               : qsTr("Add songs from anywhere with “Add to Playlist”.")
+            }
+        }
+    }
     Menu {
         id: menu
         objectName: "playlistMenu"

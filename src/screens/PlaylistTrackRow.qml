@@ -26,6 +26,7 @@ ItemDelegate {
     signal dragStarted(point scenePosition)
     signal dragEnded()
 
+    objectName: "playlistRow"
     width: ListView.view.width - ListView.view.leftMargin - ListView.view.rightMargin
     height: 46
     padding: 0
@@ -56,7 +57,6 @@ ItemDelegate {
                 anchors.centerIn: parent
                 visible: !row.isCurrent && !row.hovered
                 text: row.index + 1
-                font.features: { "tnum": 1 }
                 color: row.isSelected ? Qt.rgba(1, 1, 1, 0.8) : row.theme.secondaryText
             }
             MouseArea {
@@ -93,7 +93,6 @@ ItemDelegate {
         }
         Label {
             text: row.durationText
-            font.features: { "tnum": 1 }
             color: row.isSelected ? Qt.rgba(1, 1, 1, 0.8) : row.theme.secondaryText
         }
     }

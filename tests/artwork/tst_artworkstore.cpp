@@ -1,10 +1,12 @@
 #include "artwork/artworksize.h"
+#include "artwork/artworksource.h"
 #include "artwork/artworkstore.h"
 #include "artwork/collectioncovers.h"
 #include "artwork/imagememorycache.h"
 #include "artwork/paletteextractor.h"
 
 #include <QPainter>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace PaletteExtractor;
@@ -85,6 +87,17 @@ private Q_SLOTS:
             {44, 3, 256}, {44, 1, 128}};
         for (const auto &[points, density, pixels] : cases)
             QCOMPARE(ArtworkSize::pixelSize(points, density), pixels);
+
+        // A small view given its cover before its size asks for the image once it has a size.
+        ArtworkSource source;
+        source.setCoverArt(u"c1"_s);
+        QCOMPARE(source.source(), QUrl());
+        QSignalSpy changed(&source, &ArtworkSource::changed);
+        source.setRequestSize(32);
+        QCOMPARE(changed.count(), 1);
+        QVERIFY(!source.source().isEmpty());
+        source.setRequestSize(30); // the same image
+        QCOMPARE(changed.count(), 1);
     }
 
     void collectionsShowOneCoverPerAlbum()

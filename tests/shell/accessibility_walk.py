@@ -3,7 +3,7 @@
 every control that takes input says what it is, no name carries a mnemonic marker, and each screen's own
 controls are there by name. First the connect screen, then the main window signed in to a small local server,
 then, with an album kept on disk, the Downloads screen, the album's page with its download badge and tracks
-(opened from the disk, as this server has no albums to give), and the Albums grid.
+(opened from the disk, as this server has no albums to give), the Albums grid, and a playlist's page.
 (The window tests check the dialogs and menus, which open only on input, through Qt's side of the same tree.)
 
     accessibility_walk.py VELTO_BINARY SIGNIN_BINARY
@@ -53,6 +53,9 @@ ALBUM_PAGE = {("label", "Quiet Rooms"), ("push button", "More"), ("image", "Down
               ("push button", "Play"), ("push button", "Shuffle"), ("push button", "Like Album"),
               ("list item", "First Light")}
 ALBUMS_GRID = {("label", "Albums"), ("push button", "Quiet Rooms"), ("push button", "Loud Halls")}
+MORNING_SONG = {"id": "s2", "title": "Dawn Chorus", "artist": "Ada", "albumId": "a1", "duration": 90}
+PLAYLIST_PAGE = {("label", "Morning"), ("push button", "Play"), ("push button", "Shuffle"), ("push button", "More"),
+                 ("list", "Songs"), ("list item", "Dawn Chorus, Ada")}
 
 
 class FakeServer(http.server.BaseHTTPRequestHandler):
@@ -63,6 +66,8 @@ class FakeServer(http.server.BaseHTTPRequestHandler):
         payload = {"status": "ok", "version": "1.16.1"}
         if endpoint == "getPlaylists":
             payload["playlists"] = {"playlist": PLAYLISTS}
+        elif endpoint == "getPlaylist":
+            payload["playlist"] = dict(PLAYLISTS[0], songCount=1, duration=90, entry=[MORNING_SONG])
         elif endpoint == "getStarred2":
             payload["starred2"] = {}
         elif endpoint == "getAlbumList2":
@@ -164,7 +169,10 @@ def check_main_window(app):
 
 
 def keep_album(url, user, selection, path):
-    """Puts an album on disk for the account, as a finished download leaves it, and the window's place."""
+    """Puts an album on disk for the account, as a finished download leaves it, and the window's place: a sidebar
+    item's id, or a selection as the location file holds it."""
+    if isinstance(selection, str):
+        selection = {"item": {"_0": selection}}
     data = os.path.join(os.environ["XDG_DATA_HOME"], "Velto")
     server_key = f"{user}@{url}"
     folder = os.path.join(data, "Downloads", hashlib.sha256(server_key.encode()).hexdigest())
@@ -176,7 +184,7 @@ def keep_album(url, user, selection, path):
                 "collections": {key: {"key": key, "name": KEPT_ALBUM["name"]}}}
     with open(os.path.join(folder, "manifest.json"), "w") as file:
         json.dump(manifest, file)
-    location = {"serverKey": server_key, "selection": {"item": {"_0": selection}}, "path": path}
+    location = {"serverKey": server_key, "selection": selection, "path": path}
     with open(os.path.join(data, "location.json"), "w") as file:
         json.dump(location, file)
 
@@ -213,6 +221,8 @@ def main():
         problems += walk_running(velto, checker_for(ALBUM_PAGE, "the album page", "Available offline"))
         keep_album(url, "walker", "albums", [])
         problems += walk_running(velto, checker_for(ALBUMS_GRID, "the Albums grid"))
+        keep_album(url, "walker", {"playlist": {"_0": "p1"}}, [])
+        problems += walk_running(velto, checker_for(PLAYLIST_PAGE, "the playlist page"))
     server.shutdown()
 
     for problem in problems:
