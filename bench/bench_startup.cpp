@@ -5,6 +5,7 @@
 // scripts/test-env.sh --keyring --display, which gives fresh folders, a keyring and Xvfb.
 
 #include "benchmark.h"
+#include "benchwindow.h"
 #include "fakesubsonicserver.h"
 #include "server/appstate.h"
 #include "server/serverconfig.h"
@@ -24,28 +25,6 @@ using namespace Qt::StringLiterals;
 namespace {
 const QString password = u"bench-password"_s;
 constexpr int runs = 7;
-
-std::optional<ServerConfig> signIn(FakeSubsonicServer &server)
-{
-    QSettings settings;
-    AppState appState(&settings);
-    bool done = false;
-    auto connect = [&]() -> QCoro::Task<> {
-        try {
-            QCoro::Task<> connecting = appState.connect(server.baseURL().toString(), u"bench"_s, password);
-            co_await connecting;
-        } catch (...) {
-        }
-        done = true;
-    };
-    connect();
-    while (!done)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    settings.sync();
-    if (!appState.client())
-        return std::nullopt;
-    return appState.client()->config();
-}
 
 // One run of a program that logs "main view frame" when its window shows what counts. The process is left
 // running for `whileRunning`, which gets its log as it comes.
@@ -152,7 +131,7 @@ int main(int argc, char *argv[])
         cover.save(&buffer, "PNG");
         return FakeResponse{.contentType = "image/png", .body = png};
     });
-    const std::optional<ServerConfig> config = signIn(server);
+    const std::optional<ServerConfig> config = signIn(server, password);
     if (!config) {
         std::fprintf(stderr, "bench_startup: could not sign in\n");
         return 1;

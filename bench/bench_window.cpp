@@ -6,6 +6,7 @@
 // scripts/test-env.sh --keyring --display --sound.
 
 #include "benchmark.h"
+#include "benchwindow.h"
 #include "fakesubsonicserver.h"
 #include "offline/downloadlayout.h"
 #include "offline/downloadstore.h"
@@ -69,25 +70,11 @@ DownloadManifest largeManifest()
     return manifest;
 }
 
-bool signIn(FakeSubsonicServer &server)
+// The account, with a large offline library on disk for it.
+bool signInWithDownloads(FakeSubsonicServer &server)
 {
-    QSettings settings;
-    AppState appState(&settings);
-    bool done = false;
-    auto connect = [&]() -> QCoro::Task<> {
-        try {
-            QCoro::Task<> connecting = appState.connect(server.baseURL().toString(), u"bench"_s, u"pw"_s);
-            co_await connecting;
-        } catch (...) {
-        }
-        done = true;
-    };
-    connect();
-    while (!done)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    settings.sync();
-    return appState.client() && saveManifest(largeManifest(),
-                                              DownloadLayout::standard().directory(appState.client()->config()));
+    const std::optional<ServerConfig> config = signIn(server);
+    return config && saveManifest(largeManifest(), DownloadLayout::standard().directory(*config));
 }
 
 double cpuSeconds()
@@ -130,27 +117,6 @@ FakeResponse albumPage(const RecordedRequest &request)
     return FakeSubsonicServer::json({{u"albumList2"_s, QJsonObject{{u"album"_s, albums}}}});
 }
 
-double percentile95(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.empty() ? -1 : values[size_t(double(values.size() - 1) * 0.95)];
-}
-
-// Milliseconds from `change` to the next frame the window shows.
-template<typename Change>
-double msToNextFrame(QQuickWindow *window, Change &&change)
-{
-    bool swapped = false;
-    const QMetaObject::Connection watch =
-        QObject::connect(window, &QQuickWindow::frameSwapped, window, [&swapped] { swapped = true; });
-    QElapsedTimer timer;
-    timer.start();
-    change();
-    while (!swapped && timer.elapsed() < 10'000)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
-    QObject::disconnect(watch);
-    return swapped ? timer.nsecsElapsed() / 1e6 : -1;
-}
 }
 
 int main(int argc, char *argv[])
@@ -169,7 +135,7 @@ int main(int argc, char *argv[])
     server.on(u"getCoverArt"_s, [](const RecordedRequest &request) {
         return FakeResponse{.contentType = "image/png", .body = coverPng(request.value(u"id"_s))};
     });
-    if (!signIn(server)) {
+    if (!signInWithDownloads(server)) {
         std::fprintf(stderr, "bench_window: could not sign in\n");
         return 1;
     }

@@ -16,7 +16,7 @@ for bench in "$build"/bench/bench_*; do
   if [ -f "$bench" ] && [ -x "$bench" ]; then
     display=()
     case "$(basename "$bench")" in
-      bench_startup) display=(--display) ;;
+      bench_startup | bench_tables) display=(--display) ;;
       bench_window) display=(--display --sound) ;;
     esac
     bash scripts/test-env.sh --keyring "${display[@]}" -- "$bench"
