@@ -18,7 +18,8 @@ Each start restores the freshly scanned database (same IDs, no playlists,
 stars or ratings left over) unless --keep-state is given.
 
 With --demo the same albums are made as songs of a minute or so, plucked
-notes instead of a bare tone, for a library that is pleasant to try by hand.
+notes instead of a bare tone, for a library that is pleasant to try by hand,
+and an account without playlists gets one, "Demo Mix".
 
 Once listening it prints "READY <port>" on stdout and serves until SIGTERM,
 SIGINT or EOF on stdin (unless --ignore-stdin is given).
@@ -35,7 +36,8 @@ import subprocess
 import sys
 import threading
 from concurrent.futures import ThreadPoolExecutor
-from urllib.parse import quote, unquote_plus
+from urllib.parse import quote, unquote_plus, urlencode
+from urllib.request import urlopen
 
 SYSTEM_PYTHON = "/usr/bin/python3"
 try:
@@ -239,6 +241,24 @@ def database_is_ready(workdir, user, password):
             and state == {"user": user, "password": password, "version": LIBRARY_VERSION})
 
 
+def seed_demo_playlist(port, user, password):
+    """Give a demo account without playlists one to try the playlist page on: a few songs, one of them twice."""
+    base = "http://127.0.0.1:{}/rest/".format(port)
+    auth = {"u": user, "p": password, "v": "1.16.1", "c": "velto-demo", "f": "json"}
+
+    def call(endpoint, **params):
+        query = urlencode(list(auth.items()) + [(k, v) for k, vs in params.items()
+                                                 for v in (vs if isinstance(vs, list) else [vs])])
+        with urlopen(base + endpoint + "?" + query, timeout=10) as answer:
+            return json.load(answer)["subsonic-response"]
+
+    if call("getPlaylists").get("playlists", {}).get("playlist"):
+        return
+    songs = [song["id"] for song in call("search3", query="", songCount=8).get("searchResult3", {}).get("song", [])]
+    if songs:
+        call("createPlaylist", name="Demo Mix", songId=songs + songs[:1])
+
+
 def token_shim(app, user, password):
     """WSGI middleware: rewrite u/t/s token auth into u/p clear-password auth."""
     def shim(environ, start_response):
@@ -306,6 +326,11 @@ def main():
         threading.Thread(target=watch_stdin, daemon=True).start()
     threading.Thread(target=server.run, daemon=True).start()
 
+    if args.demo:
+        try:
+            seed_demo_playlist(server.effective_port, args.user, args.password)
+        except Exception as e:  # noqa: BLE001 - the demo works without it
+            print("no demo playlist: {!r}".format(e), file=sys.stderr)
     print("READY {}".format(server.effective_port), flush=True)
     while not stop.wait(0.5):
         pass
