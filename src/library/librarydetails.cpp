@@ -24,6 +24,13 @@ QCoro::Task<Record> fetchDetail(QPointer<LibraryStore> store, QHash<QString, Rec
 }
 }
 
+QList<Album> inDiscographyOrder(QList<Album> albums)
+{
+    std::stable_sort(albums.begin(), albums.end(),
+                     [](const Album &a, const Album &b) { return a.year.value_or(0) > b.year.value_or(0); });
+    return albums;
+}
+
 QCoro::Task<Album> LibraryStore::albumDetail(QString id, CancelToken token)
 {
     return fetchDetail(QPointer(this), &m_albumDetails, std::move(id), std::move(token),
@@ -53,9 +60,7 @@ QCoro::Task<QList<Song>> LibraryStore::artistDiscographySongs(QString id, Cancel
 {
     QPointer<LibraryStore> self(this);
     const ArtistDetail artist = co_await artistDetail(id, token);
-    QList<Album> albums = artist.album.value_or(QList<Album>());
-    std::stable_sort(albums.begin(), albums.end(),
-                     [](const Album &a, const Album &b) { return a.year.value_or(0) > b.year.value_or(0); });
+    const QList<Album> albums = inDiscographyOrder(artist.album.value_or(QList<Album>()));
     QList<Song> songs;
     for (const Album &album : std::as_const(albums)) {
         if (token.isCancelled())

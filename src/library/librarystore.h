@@ -17,6 +17,10 @@
 
 #include <map>
 
+// An artist's albums newest first: a greater year first, an album without one as of year 0, albums of one year in
+// the server's order.
+[[nodiscard]] QList<Album> inDiscographyOrder(QList<Album> albums);
+
 class LibraryStore : public QObject
 {
     Q_OBJECT

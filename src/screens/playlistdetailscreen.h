@@ -106,7 +106,7 @@ public:
     // Tells `deleted` once the server has deleted it.
     Q_INVOKABLE void deletePlaylist();
     // Every song, for "Add to Playlist".
-    Q_INVOKABLE [[nodiscard]] QJsonArray songRecords() const;
+    Q_INVOKABLE QJsonArray songRecords() const;
 
 Q_SIGNALS:
     void inputsChanged();

@@ -247,8 +247,8 @@ void Navigation::setPath(qsizetype depth, std::optional<NavigationEntry> pushed)
 
 void Navigation::reportAccent(int depth, const QColor &accent)
 {
-    // A root still alive under a pushed screen must not repaint the window.
-    if (depth == 0 && !m_stack.entries().isEmpty())
+    // A root still alive under a pushed screen must not repaint the window, nor a screen already popped.
+    if ((depth == 0 && !m_stack.entries().isEmpty()) || depth > m_stack.entries().size())
         return;
     setWindowAccent(accent);
 }

@@ -7,6 +7,7 @@ using namespace Qt::StringLiterals;
 namespace {
 const QString scrobbleEnabledKey = u"scrobbleEnabled"_s;
 const QString showTotalTimeKey = u"showTotalTime"_s;
+const QString artistsSelectedIdKey = u"artistsSelectedID"_s;
 }
 
 Preferences::Preferences(QSettings *settings, QObject *parent)
@@ -39,4 +40,17 @@ void Preferences::setShowTotalTime(bool show)
         return;
     m_settings->setValue(showTotalTimeKey, show);
     Q_EMIT showTotalTimeChanged();
+}
+
+QString Preferences::artistsSelectedId() const
+{
+    return m_settings->value(artistsSelectedIdKey).toString();
+}
+
+void Preferences::setArtistsSelectedId(const QString &id)
+{
+    if (id == artistsSelectedId())
+        return;
+    m_settings->setValue(artistsSelectedIdKey, id);
+    Q_EMIT artistsSelectedIdChanged();
 }

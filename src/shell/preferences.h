@@ -2,7 +2,7 @@
 
 // The user's small choices kept in the settings: whether plays are reported to the server (the player reads the
 // same key each time it reports, so a change takes effect with the next song), and whether the bar shows a
-// song's total time or the time remaining.
+// song's total time or the time remaining; and the artist last chosen on the artist screen.
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -16,6 +16,7 @@ class Preferences : public QObject
     QML_UNCREATABLE("Made by the application")
     Q_PROPERTY(bool scrobbleEnabled READ scrobbleEnabled WRITE setScrobbleEnabled NOTIFY scrobbleEnabledChanged)
     Q_PROPERTY(bool showTotalTime READ showTotalTime WRITE setShowTotalTime NOTIFY showTotalTimeChanged)
+    Q_PROPERTY(QString artistsSelectedId READ artistsSelectedId WRITE setArtistsSelectedId NOTIFY artistsSelectedIdChanged)
 
 public:
     explicit Preferences(QSettings *settings, QObject *parent = nullptr);
@@ -26,10 +27,14 @@ public:
     // False for a user who never touched it: the bar counts down.
     [[nodiscard]] bool showTotalTime() const;
     void setShowTotalTime(bool show);
+    // The artist last chosen on the artist screen; empty for none.
+    [[nodiscard]] QString artistsSelectedId() const;
+    void setArtistsSelectedId(const QString &id);
 
 Q_SIGNALS:
     void scrobbleEnabledChanged();
     void showTotalTimeChanged();
+    void artistsSelectedIdChanged();
 
 private:
     QSettings *m_settings;

@@ -76,6 +76,8 @@ private Q_SLOTS:
         QVERIFY(!navigation->windowAccent().isValid());
         navigation->back();
         QCOMPARE(navigation->windowAccent(), red);
+        navigation->reportAccent(2, QColor()); // the artist page going away clears nothing
+        QCOMPARE(navigation->windowAccent(), red);
         navigation->push(AlbumGridDestination{AlbumListType::Newest, u"Recently Added"_s});
         navigation->back();
         QCOMPARE(navigation->windowAccent(), red);
