@@ -8,6 +8,8 @@ Item {
     property string coverArt
     property real requestSize: width
     property real cornerRadius: 0
+    // Drawn while there is no cover.
+    property string placeholderSymbol: "music.note"
     signal imageLoaded()
 
     implicitWidth: requestSize
@@ -28,7 +30,7 @@ Item {
 
         SymbolIcon {
             anchors.centerIn: parent
-            symbol: "music.note"
+            symbol: view.placeholderSymbol
             size: view.requestSize * 0.3
             color: view.theme.tertiaryText
         }

@@ -30,6 +30,7 @@ AbstractButton {
     }
     onAlbumIdChanged: if (menuLoader.item) menuLoader.item.close()
 
+    objectName: "albumCell"
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     implicitHeight: cover.height + 8 + nameLabel.implicitHeight + artistLink.implicitHeight

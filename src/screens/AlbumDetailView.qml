@@ -88,6 +88,7 @@ Item {
                         Accessible.role: Accessible.Heading
                     }
                     HoverLink {
+                        objectName: "albumArtistLink"
                         width: Math.min(implicitWidth, parent.width)
                         visible: (albumScreen.record.artist || "") !== ""
                         theme: page.theme

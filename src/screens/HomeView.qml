@@ -13,12 +13,8 @@ ServerUnavailableFallback {
     // Tells the window the featured album's colour.
     required property var onAccent
 
-    isEmpty: cached.isEmpty
+    isEmpty: home.isEmpty
 
-    PlaceholderScreen {
-        id: cached
-        library: page.library
-    }
     HomeScreen {
         id: home
         library: page.library

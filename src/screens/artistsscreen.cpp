@@ -129,11 +129,15 @@ void ArtistsScreen::update()
 {
     if (!m_complete || !m_library)
         return;
+    const int rowBefore = selectedRow();
     m_artists.setIndexes(m_library->artistIndexes());
     m_artists.setLikedIds(m_library->starredArtistIds());
     // An empty library leaves the choice as it was, for when the artists come.
     if (!m_library->allArtists().isEmpty())
         setSelectedId(ArtistRules::resolvedSelection(m_selectedId, m_library->allArtists()));
+    // The same choice may stand elsewhere in a new list, or appear in it at last.
+    if (selectedRow() != rowBefore)
+        Q_EMIT selectionChanged();
     const QString newState = state();
     if (newState != m_state || newState == u"message"_s) {
         m_state = newState;

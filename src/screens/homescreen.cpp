@@ -1,5 +1,6 @@
 #include "homescreen.h"
 
+#include "library/cachedcontent.h"
 #include "library/librarystore.h"
 
 using namespace Qt::StringLiterals;
@@ -24,10 +25,22 @@ void HomeScreen::setLibrary(LibraryStore *library)
     if (m_library)
         m_library->disconnect(this);
     m_library = library;
-    if (library)
+    if (library) {
         connect(library, &LibraryStore::epochChanged, this, &HomeScreen::fill);
+        onCachedContentChange(library, this, [this] { updateEmpty(); });
+    }
     Q_EMIT libraryChanged();
+    updateEmpty();
     fill();
+}
+
+void HomeScreen::updateEmpty()
+{
+    const bool empty = !m_library || !m_library->hasCachedContent();
+    if (empty == m_isEmpty)
+        return;
+    m_isEmpty = empty;
+    Q_EMIT isEmptyChanged();
 }
 
 void HomeScreen::componentComplete()

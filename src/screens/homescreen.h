@@ -25,24 +25,30 @@ class HomeScreen : public QObject, public QQmlParserStatus
     Q_PROPERTY(LibraryStore *library READ library WRITE setLibrary NOTIFY libraryChanged)
     // The rows in order, each {"listType", "title"}.
     Q_PROPERTY(QVariantList rows READ rows CONSTANT)
+    // Nothing of the library has been seen yet: the full-page fault may stand in.
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY isEmptyChanged)
 
 public:
     using QObject::QObject;
     [[nodiscard]] LibraryStore *library() const;
     void setLibrary(LibraryStore *library);
     [[nodiscard]] static QVariantList rows();
+    [[nodiscard]] bool isEmpty() const { return m_isEmpty; }
     void classBegin() override { }
     void componentComplete() override;
 
 Q_SIGNALS:
     void libraryChanged();
+    void isEmptyChanged();
 
 private:
     // Fills the rows that are empty; again after each refresh of the library.
     void fill();
+    void updateEmpty();
 
     QPointer<LibraryStore> m_library;
     bool m_complete = false;
+    bool m_isEmpty = true;
 };
 
 // Featured albums: its own random five, one shown at a time, stepping on by itself every 8 seconds while Home is

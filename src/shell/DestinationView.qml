@@ -20,6 +20,7 @@ Loader {
     required property LibraryStore library
     required property DownloadStore downloads
     required property PlayerController player
+    required property Preferences preferences
 
     // A screen's own colour for the window.
     function onAccent(color) { navigation.reportAccent(depth, color) }
@@ -28,8 +29,12 @@ Loader {
                    : kind === "downloads" ? downloadsView
                    : kind === "album" ? albumView
                    : kind === "playlist" ? playlistView
+                   : kind === "artists" ? artistsView
+                   : kind === "artist" ? artistView
+                   : kind === "songs" ? songsView
+                   : kind === "likedSongs" ? likedSongsView
                    : gridListType !== "" ? gridView
-                   : placeholder
+                   : null
 
     Component {
         id: downloadsView
@@ -92,15 +97,51 @@ Loader {
         }
     }
     Component {
-        id: placeholder
-        PlaceholderView {
-            kind: destination.kind
-            title: destination.title
-            record: destination.record
+        id: artistsView
+        ArtistsView {
             theme: destination.theme
             navigation: destination.navigation
             library: destination.library
             downloads: destination.downloads
+            player: destination.player
+            preferences: destination.preferences
+            askNewPlaylistName: destination.askNewPlaylistName
+            onAccent: color => destination.onAccent(color)
+        }
+    }
+    Component {
+        id: artistView
+        ArtistDetailView {
+            theme: destination.theme
+            navigation: destination.navigation
+            library: destination.library
+            downloads: destination.downloads
+            player: destination.player
+            askNewPlaylistName: destination.askNewPlaylistName
+            onAccent: color => destination.onAccent(color)
+            artist: destination.record
+        }
+    }
+    Component {
+        id: songsView
+        SongsView {
+            theme: destination.theme
+            navigation: destination.navigation
+            library: destination.library
+            downloads: destination.downloads
+            player: destination.player
+            askNewPlaylistName: destination.askNewPlaylistName
+        }
+    }
+    Component {
+        id: likedSongsView
+        LikedSongsView {
+            theme: destination.theme
+            navigation: destination.navigation
+            library: destination.library
+            downloads: destination.downloads
+            player: destination.player
+            askNewPlaylistName: destination.askNewPlaylistName
         }
     }
 }

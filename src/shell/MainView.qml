@@ -147,6 +147,7 @@ FocusScope {
                     library: view.library
                     downloads: view.downloads
                     player: view.app.player
+                    preferences: view.app.preferences
                 }
                 Repeater {
                     model: navigator.stack
@@ -160,6 +161,7 @@ FocusScope {
                         library: view.library
                         downloads: view.downloads
                         player: view.app.player
+                        preferences: view.app.preferences
                         askNewPlaylistName: view.askNewPlaylistName
                     }
                 }

@@ -245,12 +245,12 @@ void Navigation::setPath(qsizetype depth, std::optional<NavigationEntry> pushed)
     save();
 }
 
-void Navigation::reportAccent(int depth, const QColor &accent)
+void Navigation::reportAccent(int depth, const QVariant &accent)
 {
     // A root still alive under a pushed screen must not repaint the window, nor a screen already popped.
     if ((depth == 0 && !m_stack.entries().isEmpty()) || depth > m_stack.entries().size())
         return;
-    setWindowAccent(accent);
+    setWindowAccent(accent.value<QColor>());
 }
 
 void Navigation::reportFullPage(QObject *screen, bool shown)

@@ -102,7 +102,8 @@ public:
     Q_INVOKABLE void playlistDeleted(const QString &id);
     Q_INVOKABLE void popToRoot();
     // A screen's own colour: `depth` 0 is the root, which counts only while nothing is pushed over it.
-    Q_INVOKABLE void reportAccent(int depth, const QColor &accent);
+    // Undefined, or an invalid colour, is neutral.
+    Q_INVOKABLE void reportAccent(int depth, const QVariant &accent);
     // A screen that shows the full-page fault says so; while any does, the banner stays silent.
     Q_INVOKABLE void reportFullPage(QObject *screen, bool shown);
     // Space toggles play and pause when a song is current; false means the key is not used and goes on.

@@ -46,6 +46,7 @@ const QHash<QString, char16_t> &glyphTable()
         {u"chevron.left"_s, 0xe5cb},
         {u"chevron.right"_s, 0xe5cc},
         {u"chevron.down"_s, 0xe5cf}, // expand_more
+        {u"chevron.up"_s, 0xe5ce}, // expand_less
         {u"arrow.clockwise"_s, 0xe5d5}, // refresh
         {u"gearshape"_s, 0xe8b8}, // settings
         {u"person.crop.circle"_s, 0xe853}, // account_circle

@@ -55,6 +55,9 @@ class Theme : public QObject
     Q_PROPERTY(int playlistHeaderMaxWidth MEMBER playlistHeaderMaxWidth CONSTANT)
     Q_PROPERTY(int dragScrollEdge MEMBER dragScrollEdge CONSTANT)
     Q_PROPERTY(int dragScrollStep MEMBER dragScrollStep CONSTANT)
+    Q_PROPERTY(int artistListWidth MEMBER artistListWidth CONSTANT)
+    Q_PROPERTY(int artistImageSize MEMBER artistImageSize CONSTANT)
+    Q_PROPERTY(int songTimeColumnWidth MEMBER songTimeColumnWidth CONSTANT)
     Q_PROPERTY(int homeCardWidth MEMBER homeCardWidth CONSTANT)
     Q_PROPERTY(int homeCardSpacing MEMBER homeCardSpacing CONSTANT)
     Q_PROPERTY(int featuredArtSize MEMBER featuredArtSize CONSTANT)
@@ -134,6 +137,10 @@ public:
     const int playlistHeaderMaxWidth = 800;
     const int dragScrollEdge = 40;
     const int dragScrollStep = 8;
+    // The artist screen's list and its round images; the song tables' column of lengths.
+    const int artistListWidth = 260;
+    const int artistImageSize = 44;
+    const int songTimeColumnWidth = 60;
     // Home: the cards of its rows and the space between them; the featured album's cover.
     const int homeCardWidth = 170;
     const int homeCardSpacing = 20;

@@ -127,12 +127,15 @@ private Q_SLOTS:
         server.on(u"getArtists"_s, artistsAnswer({u"a"_s, u"b"_s, u"c"_s}));
         library = std::make_unique<LibraryStore>(client);
         ArtistsScreen screen;
+        QSignalSpy choices(&screen, &ArtistsScreen::selectionChanged);
         screen.setLibrary(library.get());
         screen.setPreferences(&preferences);
         screen.componentComplete();
         QTRY_COMPARE(screen.state(), u"list"_s);
         QCOMPARE(screen.selectedArtistId(), u"b"_s);
         QCOMPARE(screen.selectedRow(), 1);
+        QVERIFY(choices.count() > 0); // the kept choice appeared in the list
+        QCOMPARE(screen.selectedArtist().value(u"name"_s).toString(), u"Artist b"_s);
         screen.select(u"c"_s);
         screen.select(QString()); // a click into blank space
         QCOMPARE(screen.selectedArtistId(), u"c"_s);
