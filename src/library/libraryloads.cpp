@@ -4,6 +4,7 @@
 // with the next request finds nothing under way.
 
 #include "librarystore.h"
+#include "textpool.h"
 
 QString LibraryStore::failLoad(std::exception_ptr error)
 {
@@ -129,9 +130,10 @@ void LibraryStore::ensureSongsLoaded()
 QCoro::Task<> LibraryStore::loadSongs(CancelToken token)
 {
     const SubsonicClient client = m_client;
+    TextPool texts;
     qsizetype held = 0;
     while (held < songLimit) {
-        const auto page = co_await settle(client.songs(songPageSize, static_cast<int>(held), token), token);
+        auto page = co_await settle(client.songs(songPageSize, static_cast<int>(held), token), token);
         if (!page)
             co_return;
         if (!page->value) {
@@ -141,6 +143,8 @@ QCoro::Task<> LibraryStore::loadSongs(CancelToken token)
         }
         if (!page->value->isEmpty()) {
             const qsizetype first = m_songs.size();
+            for (Song &song : *page->value)
+                texts.share(song);
             m_songs.append(*page->value);
             Q_EMIT songsAppended(first, page->value->size());
         }
@@ -148,6 +152,8 @@ QCoro::Task<> LibraryStore::loadSongs(CancelToken token)
         if (page->value->size() < songPageSize)
             break;
     }
+    // The list grew by doubling; the room it will not use goes back.
+    m_songs.squeeze();
     setSongsLoaded(true);
 }
 

@@ -41,49 +41,58 @@ Item {
         font.weight: Font.Bold
         Accessible.role: Accessible.Heading
     }
-    HorizontalHeaderView {
+    // The time takes its own width; title, artist and album share the rest four to three to three.
+    function columnWidth(column) {
+        const rest = table.width - theme.songTimeColumnWidth
+        return column === 3 ? theme.songTimeColumnWidth : rest * (column === 0 ? 0.4 : 0.3)
+    }
+
+    Row {
         id: header
         objectName: "songTableHeader"
-        anchors { left: table.left; right: table.right; top: heading.bottom; topMargin: 14 }
-        syncView: table
-        clip: true
-        delegate: Rectangle {
-            id: headerCell
-            required property int column
-            required property string display
-            readonly property bool sorted: tableScreen.sortColumn === column
-            objectName: "songHeader"
-            implicitHeight: view.theme.rowHeight
-            color: view.theme.surface
-            Accessible.role: Accessible.ColumnHeader
-            Accessible.name: display
-            Accessible.onPressAction: tableScreen.clickHeader(column)
+        anchors { left: table.left; top: heading.bottom; topMargin: 14 }
 
-            Label {
-                anchors { left: parent.left; leftMargin: 8; right: arrow.left; verticalCenter: parent.verticalCenter }
-                text: headerCell.display
-                horizontalAlignment: headerCell.column === 3 ? Text.AlignRight : Text.AlignLeft
-                color: headerCell.sorted ? view.theme.text : view.theme.secondaryText
-                font.pixelSize: view.theme.captionSize
-                font.weight: Font.DemiBold
-                elide: Text.ElideRight
-            }
-            SymbolIcon {
-                id: arrow
-                anchors { right: parent.right; rightMargin: 6; verticalCenter: parent.verticalCenter }
-                visible: headerCell.sorted
-                symbol: tableScreen.sortAscending ? "chevron.up" : "chevron.down"
-                size: 14
-                color: view.theme.secondaryText
-            }
-            Rectangle {
-                anchors.bottom: parent.bottom
-                width: parent.width
-                height: 1
-                color: view.theme.separator
-            }
-            TapHandler {
-                onTapped: tableScreen.clickHeader(headerCell.column)
+        Repeater {
+            model: tableScreen.columnTitles
+            delegate: Rectangle {
+                id: headerCell
+                required property int index
+                required property string modelData
+                readonly property bool sorted: tableScreen.sortColumn === index
+                objectName: "songHeader"
+                width: view.columnWidth(index)
+                height: view.theme.rowHeight
+                color: "transparent"
+                Accessible.role: Accessible.ColumnHeader
+                Accessible.name: modelData
+                Accessible.onPressAction: tableScreen.clickHeader(index)
+
+                Label {
+                    anchors { left: parent.left; leftMargin: 8; right: arrow.left; verticalCenter: parent.verticalCenter }
+                    text: headerCell.modelData
+                    horizontalAlignment: headerCell.index === 3 ? Text.AlignRight : Text.AlignLeft
+                    color: headerCell.sorted ? view.theme.text : view.theme.secondaryText
+                    font.pixelSize: view.theme.captionSize
+                    font.weight: Font.DemiBold
+                    elide: Text.ElideRight
+                }
+                SymbolIcon {
+                    id: arrow
+                    anchors { right: parent.right; rightMargin: 6; verticalCenter: parent.verticalCenter }
+                    visible: headerCell.sorted
+                    symbol: tableScreen.sortAscending ? "chevron.up" : "chevron.down"
+                    size: 14
+                    color: view.theme.secondaryText
+                }
+                Rectangle {
+                    anchors.bottom: parent.bottom
+                    width: parent.width
+                    height: 1
+                    color: view.theme.separator
+                }
+                TapHandler {
+                    onTapped: tableScreen.clickHeader(headerCell.index)
+                }
             }
         }
     }
@@ -99,11 +108,7 @@ Item {
         activeFocusOnTab: true
         boundsBehavior: Flickable.StopAtBounds
         bottomMargin: view.theme.playbackBarBand
-        // The time takes its own width; title, artist and album share the rest four to three to three.
-        columnWidthProvider: column => {
-            const rest = width - view.theme.songTimeColumnWidth
-            return column === 3 ? view.theme.songTimeColumnWidth : rest * (column === 0 ? 0.4 : 0.3)
-        }
+        columnWidthProvider: column => view.columnWidth(column)
         onWidthChanged: forceLayout()
         Accessible.role: Accessible.Table
         Accessible.name: view.title

@@ -116,7 +116,6 @@ void SongTableModel::setSortOrder(const QList<SongSortKey> &order)
     for (const int i : sortedOrder())
         rows.push_back(&m_songs.at(i));
     m_rows = std::move(rows);
-    m_rowIndexStale = true;
     QModelIndexList moved;
     for (qsizetype i = 0; i < persistent.size(); ++i)
         moved.append(index(rowOf(persistentIds.at(i)).value_or(0), persistent.at(i).column()));
@@ -124,12 +123,22 @@ void SongTableModel::setSortOrder(const QList<SongSortKey> &order)
     Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
+// A walk through the rows, which costs less than an index kept for every song of a library.
 std::optional<int> SongTableModel::rowOf(const QString &songId) const
 {
-    if (m_rowIndexStale)
-        rebuildRowIndex();
-    const auto found = m_rowOfId.constFind(songId);
-    return found == m_rowOfId.constEnd() ? std::nullopt : std::optional<int>(*found);
+    const auto found =
+        std::find_if(m_rows.cbegin(), m_rows.cend(), [&songId](const Song *song) { return song->id == songId; });
+    return found == m_rows.cend() ? std::nullopt : std::optional<int>(int(found - m_rows.cbegin()));
+}
+
+QList<Song> SongTableModel::selectedSongs() const
+{
+    QList<Song> songs;
+    for (const Song *song : m_rows) {
+        if (m_selection.contains(song->id))
+            songs.append(*song);
+    }
+    return songs;
 }
 
 QList<Song> SongTableModel::sortedSongs() const
@@ -221,7 +230,6 @@ void SongTableModel::showRows(std::vector<const Song *> rows)
     }
     // Every row now takes its record from the new list; only those between the ends show something else.
     m_rows = std::move(rows);
-    m_rowIndexStale = true;
     if (replaced > 0)
         Q_EMIT dataChanged(index(int(prefix), 0), index(int(prefix + replaced - 1), ::columnCount - 1));
     if (oldCount != newCount)
@@ -236,17 +244,8 @@ void SongTableModel::markRows(const QSet<QString> &ids, int role)
         Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, ::columnCount - 1), {role});
         return;
     }
-    for (const QString &id : ids) {
-        if (const std::optional<int> row = rowOf(id))
-            Q_EMIT dataChanged(index(*row, 0), index(*row, ::columnCount - 1), {role});
+    for (size_t row = 0; row < m_rows.size(); ++row) {
+        if (ids.contains(m_rows[row]->id))
+            Q_EMIT dataChanged(index(int(row), 0), index(int(row), ::columnCount - 1), {role});
     }
-}
-
-void SongTableModel::rebuildRowIndex() const
-{
-    m_rowOfId.clear();
-    m_rowOfId.reserve(qsizetype(m_rows.size()));
-    for (size_t row = 0; row < m_rows.size(); ++row)
-        m_rowOfId.insert(m_rows[row]->id, int(row));
-    m_rowIndexStale = false;
 }

@@ -50,8 +50,9 @@ public:
 
     [[nodiscard]] const Song &songAt(int row) const { return *m_rows[size_t(row)]; }
     [[nodiscard]] std::optional<int> rowOf(const QString &songId) const;
-    // Every row's song, top to bottom.
+    // Every row's song, top to bottom; the selected ones.
     [[nodiscard]] QList<Song> sortedSongs() const;
+    [[nodiscard]] QList<Song> selectedSongs() const;
 
     [[nodiscard]] const QSet<QString> &selection() const { return m_selection; }
     void setSelection(const QSet<QString> &ids);
@@ -72,17 +73,15 @@ private:
     [[nodiscard]] bool before(int a, int b) const;
     void showRows(std::vector<const Song *> rows);
     void markRows(const QSet<QString> &ids, int role);
-    void rebuildRowIndex() const;
 
     QList<Song> m_songs;
     std::vector<Keys> m_keys; // by place in m_songs
-    CollationRanks m_titles;
-    CollationRanks m_artists;
-    CollationRanks m_albums;
+    // Titles are mostly each a song's own; artists and albums repeat.
+    CollationRanks m_titles{false};
+    CollationRanks m_artists{true};
+    CollationRanks m_albums{true};
     QList<SongSortKey> m_sortOrder{SongSortKey{}};
     std::vector<const Song *> m_rows;
-    mutable QHash<QString, int> m_rowOfId;
-    mutable bool m_rowIndexStale = true;
     QSet<QString> m_selection;
     QString m_currentSongId;
     bool m_isPlaying = false;

@@ -91,9 +91,9 @@ void SongTableScreen::update()
     }
     // Rows that left the list leave the selection; the rest keep theirs wherever they went.
     QSet<QString> kept;
-    for (const QString &id : m_rows.selection()) {
-        if (m_rows.rowOf(id))
-            kept.insert(id);
+    if (!m_rows.selection().isEmpty()) {
+        for (const Song &song : m_rows.selectedSongs())
+            kept.insert(song.id);
     }
     if (kept.size() != m_rows.selection().size())
         select(kept, m_rows.rowOf(m_cursorId) ? m_cursorId : QString(), true);
@@ -151,6 +151,14 @@ QString SongTableScreen::messageText() const
     return m_library->songsError().value_or(tr("Your library doesn’t have any songs yet."));
 }
 
+QStringList SongTableScreen::columnTitles() const
+{
+    QStringList titles;
+    for (int column = 0; column < m_rows.columnCount(); ++column)
+        titles.append(m_rows.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    return titles;
+}
+
 int SongTableScreen::cursorRow() const
 {
     return m_cursorId.isEmpty() ? -1 : m_rows.rowOf(m_cursorId).value_or(-1);
@@ -158,16 +166,7 @@ int SongTableScreen::cursorRow() const
 
 QList<Song> SongTableScreen::selectedSongs() const
 {
-    QList<int> rows;
-    for (const QString &id : m_rows.selection()) {
-        if (const std::optional<int> row = m_rows.rowOf(id))
-            rows.append(*row);
-    }
-    std::sort(rows.begin(), rows.end());
-    QList<Song> songs;
-    for (const int row : rows)
-        songs.append(m_rows.songAt(row));
-    return songs;
+    return m_rows.selectedSongs();
 }
 
 void SongTableScreen::clickHeader(int column)

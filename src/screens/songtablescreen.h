@@ -38,6 +38,8 @@ class SongTableScreen : public QObject, public QQmlParserStatus
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY stateChanged)
     // A new number for each new sort: the table starts again from its top.
     Q_PROPERTY(int tableGeneration READ tableGeneration NOTIFY sortChanged)
+    // The headings, left to right.
+    Q_PROPERTY(QStringList columnTitles READ columnTitles CONSTANT)
     Q_PROPERTY(int sortColumn READ sortColumn NOTIFY sortChanged)
     Q_PROPERTY(bool sortAscending READ sortAscending NOTIFY sortChanged)
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
@@ -61,6 +63,7 @@ public:
     [[nodiscard]] QString messageText() const;
     [[nodiscard]] bool isEmpty() const;
     [[nodiscard]] int tableGeneration() const { return m_tableGeneration; }
+    [[nodiscard]] QStringList columnTitles() const;
     [[nodiscard]] int sortColumn() const { return int(m_rows.sortOrder().constFirst().column); }
     [[nodiscard]] bool sortAscending() const { return m_rows.sortOrder().constFirst().ascending; }
     [[nodiscard]] int selectedCount() const { return int(m_rows.selection().size()); }

@@ -3,7 +3,9 @@
 // song table sorted by each column and a multi-row Play Next, and a liked song on the liked songs' table until it
 // is unliked. Screenshots go next to the build.
 
+#include "library/librarystore.h"
 #include "playback/playercontroller.h"
+#include "server/appstate.h"
 #include "shell/navigation.h"
 #include "supysonicwindow.h"
 #include "testdata.h"
@@ -54,7 +56,7 @@ class SongsWindowTest : public QObject
     QQuickItem *header(int index) const
     {
         for (QQuickItem *cell : shown(u"songHeader"_s)) {
-            if (cell->property("column").toInt() == index)
+            if (cell->property("index").toInt() == index)
                 return cell;
         }
         return nullptr;
@@ -193,7 +195,11 @@ private Q_SLOTS:
         const QString title = cell(0, 0)->property("display").toString();
         running->click(cell(0, 0), Qt::RightButton);
         QTRY_VERIFY(running->menuItem(u"Like"_s));
+        QTRY_VERIFY(running->find<QObject>(u"songTableMenu"_s)->property("opened").toBool());
         running->click(running->menuItem(u"Like"_s));
+        LibraryStore *library = running->app.appState()->library();
+        QTRY_COMPARE(library->starredSongs().size(), 1);
+        QCOMPARE(library->starredSongs().at(0).title, title);
         navigation()->selectKey(u"item:likedSongs"_s);
         QTRY_COMPARE(column(0), QStringList{title});
         QVERIFY(saveScreenshot(running->window, u"liked-songs"_s));

@@ -3,7 +3,8 @@
 every control that takes input says what it is, no name carries a mnemonic marker, and each screen's own
 controls are there by name. First the connect screen, then the main window signed in to a small local server,
 then, with an album kept on disk, the Downloads screen, the album's page with its download badge and tracks
-(opened from the disk, as this server has no albums to give), the Albums grid, and a playlist's page.
+(opened from the disk, as this server has no albums to give), the Albums grid, a playlist's page, the artist
+screen and the song table.
 (The window tests check the dialogs and menus, which open only on input, through Qt's side of the same tree.)
 
     accessibility_walk.py VELTO_BINARY SIGNIN_BINARY
@@ -54,6 +55,13 @@ ALBUM_PAGE = {("label", "Quiet Rooms"), ("push button", "More"), ("image", "Down
               ("list item", "First Light")}
 ALBUMS_GRID = {("label", "Albums"), ("push button", "Quiet Rooms"), ("push button", "Loud Halls")}
 MORNING_SONG = {"id": "s2", "title": "Dawn Chorus", "artist": "Ada", "albumId": "a1", "duration": 90}
+ARTIST = {"id": "ar1", "name": "Ada"}
+ARTISTS_SCREEN = {("label", "Artists"), ("list", "Artists"), ("list item", "Ada"), ("label", "Ada"),
+                  ("push button", "Like Artist"), ("push button", "Play Ada"), ("push button", "Shuffle Ada"),
+                  ("push button", "Quiet Rooms")}
+SONGS_TABLE = {("label", "Songs"), ("table", "Songs"), ("table column header", "Title"), ("table column header", "Artist"),
+               ("table column header", "Album"), ("table column header", "Time"), ("table cell", "Dawn Chorus"),
+               ("table cell", "Ada"), ("table cell", "01:30")}
 PLAYLIST_PAGE = {("label", "Morning"), ("push button", "Play"), ("push button", "Shuffle"), ("push button", "More"),
                  ("list", "Songs"), ("list item", "Dawn Chorus, Ada")}
 
@@ -68,6 +76,13 @@ class FakeServer(http.server.BaseHTTPRequestHandler):
             payload["playlists"] = {"playlist": PLAYLISTS}
         elif endpoint == "getPlaylist":
             payload["playlist"] = dict(PLAYLISTS[0], songCount=1, duration=90, entry=[MORNING_SONG])
+        elif endpoint == "getArtists":
+            payload["artists"] = {"index": [{"name": "A", "artist": [ARTIST]}]}
+        elif endpoint == "getArtist":
+            payload["artist"] = dict(ARTIST, album=[KEPT_ALBUM])
+        elif endpoint == "search3":
+            offset = int(urllib.parse.parse_qs(urllib.parse.urlparse(self.path).query).get("songOffset", ["0"])[0])
+            payload["searchResult3"] = {} if offset else {"song": [MORNING_SONG]}
         elif endpoint == "getStarred2":
             payload["starred2"] = {}
         elif endpoint == "getAlbumList2":
@@ -223,6 +238,10 @@ def main():
         problems += walk_running(velto, checker_for(ALBUMS_GRID, "the Albums grid"))
         keep_album(url, "walker", {"playlist": {"_0": "p1"}}, [])
         problems += walk_running(velto, checker_for(PLAYLIST_PAGE, "the playlist page"))
+        keep_album(url, "walker", "artists", [])
+        problems += walk_running(velto, checker_for(ARTISTS_SCREEN, "the artist screen"))
+        keep_album(url, "walker", "songs", [])
+        problems += walk_running(velto, checker_for(SONGS_TABLE, "the song table"))
     server.shutdown()
 
     for problem in problems:
