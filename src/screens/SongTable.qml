@@ -25,8 +25,10 @@ Item {
         onTableGenerationChanged: table.positionViewAtRow(0, TableView.AlignTop)
     }
 
+    // Made anew for each opening, for the rows it is opened on: its entries never change while it shows.
     function openMenu(row) {
         tableScreen.pressRowForMenu(row)
+        menuLoader.active = false
         menuLoader.active = true
         menuLoader.item.popup()
     }
@@ -200,16 +202,14 @@ Item {
         }
     }
 
-    // The menu of the rows it was opened on, made when first opened.
     Loader {
         id: menuLoader
         active: false
         sourceComponent: Menu {
+            id: songMenu
             objectName: "songTableMenu"
-            onAboutToShow: {
-                addToPlaylist.songs = tableScreen.selectedRecords()
-                like.song = tableScreen.singleSelectedRecord()
-            }
+            readonly property var single: tableScreen.singleSelectedRecord()
+            Component.onCompleted: addToPlaylist.songs = tableScreen.selectedRecords()
             MenuItem {
                 text: qsTr("Play")
                 onTriggered: tableScreen.playSelection()
@@ -225,9 +225,8 @@ Item {
             }
             MenuSeparator {}
             LikeMenuButton {
-                id: like
                 library: view.library
-                song: ({})
+                song: songMenu.single
                 visible: !view.likedOnly && tableScreen.selectedCount === 1
                 height: visible ? implicitHeight : 0
             }
