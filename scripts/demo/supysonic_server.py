@@ -29,6 +29,7 @@ import argparse
 import hashlib
 import json
 import logging
+import math
 import os
 import shutil
 import signal
@@ -52,7 +53,10 @@ except ImportError:
     sys.exit("supysonic_server: supysonic/waitress are not importable")
 
 LIBRARY_VERSION = 1
-DEMO_LIBRARY_VERSION = "demo-1"
+DEMO_LIBRARY_VERSION = "demo-2"
+# Demo songs are made louder or softer than each other, with ReplayGain tags that even them out again, so that
+# volume levelling can be heard: by track every song is as loud as the next, by album (gain 0) they stay as made.
+DEMO_LOUDNESS = [1.0, 0.5, 0.8, 1.3]
 DEMO_STRETCH = 25  # a two-second test song becomes fifty seconds
 
 # (artist, album, year, genre, cover colour or None, songs)
@@ -111,7 +115,7 @@ def tone_source(n, seconds, demo):
     # A four-note arpeggio on a root that changes per song, each note fading out like a plucked string.
     root = 196 * 2 ** ((n * 5 % 12) / 12)
     note = "{r}*pow(2,floor(mod(t*4,4))*4/12)".format(r=root)
-    expr = "0.3*sin(2*PI*{note}*t)*exp(-5*mod(t,0.25))".format(note=note)
+    expr = "{a}*sin(2*PI*{note}*t)*exp(-5*mod(t,0.25))".format(a=0.3 * DEMO_LOUDNESS[n % len(DEMO_LOUDNESS)], note=note)
     return "aevalsrc=exprs='{e}|{e}':sample_rate=44100:duration={d}".format(e=expr, d=seconds)
 
 
@@ -141,6 +145,12 @@ def generate_library(workdir, demo):
             tags = {"title": title, "artist": artist, "album": album, "album_artist": artist,
                     "track": "{}/{}".format(track, tracks_on_disc), "disc": "{}/{}".format(disc, discs),
                     "date": str(year), "genre": genre}
+            if demo:
+                loudness = DEMO_LOUDNESS[n % len(DEMO_LOUDNESS)]
+                tags["REPLAYGAIN_TRACK_GAIN"] = "{:.2f} dB".format(-20 * math.log10(loudness))
+                tags["REPLAYGAIN_TRACK_PEAK"] = "{:.6f}".format(0.3 * loudness)
+                tags["REPLAYGAIN_ALBUM_GAIN"] = "0.00 dB"
+                tags["REPLAYGAIN_ALBUM_PEAK"] = "0.390000"
             cmd = ffmpeg + ["-f", "lavfi", "-i", tone_source(n, seconds, demo)]
             for key, value in tags.items():
                 cmd += ["-metadata", "{}={}".format(key, value)]

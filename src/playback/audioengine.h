@@ -4,6 +4,7 @@
 // one waiting behind it, so that songs follow without a gap), transport, and notices that name the item they
 // are about. Queue rules live in the controller; a back end only plays what it is handed.
 
+#include "loudnesslevelling.h"
 #include "server/records.h"
 
 #include <QList>
@@ -57,6 +58,8 @@ public:
     virtual void seek(double seconds) = 0;
     // 0.0 to 1.0, as the user sees it; the back end maps it onto its own curve.
     virtual void setVolume(float volume) = 0;
+    // Takes effect at once, the song playing included. A back end that cannot level ignores it.
+    virtual void setLoudnessLevelling(LoudnessLevelling levelling) { Q_UNUSED(levelling); }
 
     // The current item's length in seconds, once the engine knows it.
     [[nodiscard]] virtual std::optional<double> currentDuration() const = 0;

@@ -32,6 +32,11 @@ constexpr std::pair<const char *, const char *> fixedOptions[] = {
     {"idle", "yes"},
     {"gapless-audio", "yes"},
     {"prefetch-playlist", "yes"},
+    // Gains come from the files' tags; a file without them plays as it is. A gain that would clip is lowered to
+    // the file's peak: in libmpv 0.35 that is "clip" off, whatever its manual says.
+    {"replaygain-preamp", "0"},
+    {"replaygain-fallback", "0"},
+    {"replaygain-clip", "no"},
     {"audio-client-name", "Velto"},
 };
 
@@ -136,6 +141,7 @@ void MpvAudioEngine::createMpv()
         this);
     if (m_volume)
         applyVolume(*m_volume);
+    applyLevelling();
     if (!m_outputDevice.isEmpty())
         lib.setPropertyString(m_mpv, "audio-device", m_outputDevice.toUtf8().constData());
     // What was asked for while mpv was away, in the order it was asked. A current item mpv refuses stays, silent,
@@ -283,6 +289,22 @@ void MpvAudioEngine::applyVolume(float volume)
     // mpv's volume is a percentage on a cubic curve, which already follows loudness as people hear it.
     double percent = std::clamp(double(volume), 0.0, 1.0) * 100.0;
     m_library->setProperty(m_mpv, "volume", MPV_FORMAT_DOUBLE, &percent);
+}
+
+void MpvAudioEngine::setLoudnessLevelling(LoudnessLevelling levelling)
+{
+    m_levelling = levelling;
+    if (m_mpv)
+        applyLevelling();
+}
+
+// mpv recomputes the gain of the playing file when the mode changes.
+void MpvAudioEngine::applyLevelling()
+{
+    const char *mode = m_levelling == LoudnessLevelling::ByTrack ? "track"
+        : m_levelling == LoudnessLevelling::ByAlbum                ? "album"
+                                                                   : "no";
+    m_library->setPropertyString(m_mpv, "replaygain", mode);
 }
 
 std::optional<double> MpvAudioEngine::currentDuration() const

@@ -47,6 +47,7 @@ public:
     void pause() override;
     void seek(double seconds) override;
     void setVolume(float volume) override;
+    void setLoudnessLevelling(LoudnessLevelling levelling) override;
 
     [[nodiscard]] std::optional<double> currentDuration() const override;
 
@@ -66,6 +67,7 @@ private:
     void becomeUnavailable();
     void loadIntoMpv(Entry &entry);
     void applyVolume(float volume);
+    void applyLevelling();
     void applyPause();
     void drainEvents();
     void handleEvent(const mpv_event &event);
@@ -84,6 +86,8 @@ private:
     bool m_unavailable = false;
     bool m_paused = true;
     std::optional<float> m_volume;
+    // Levelled by album unless told otherwise, as the setting's own default.
+    LoudnessLevelling m_levelling = LoudnessLevelling::ByAlbum;
     QList<Entry> m_entries;
     EngineItemId m_lastId = 0;
     // The entry whose file mpv is opening now.

@@ -7,6 +7,7 @@
 #include "audioengine.h"
 #include "common/task.h"
 #include "playbacksource.h"
+#include "playreportqueue.h"
 #include "repeatmode.h"
 #include "server/records.h"
 #include "server/subsonicclient.h"
@@ -209,6 +210,8 @@ private:
 
     QSettings *m_settings;
     QString m_sessionFolder;
+    // Beside the session file: plays not yet taken by the server.
+    PlayReportQueue m_playReports{m_sessionFolder};
     LocalFileLookup m_localFileLookup;
     // Debounces: the volume write and the session checkpoint. Stopping one is cancelling it.
     QTimer m_volumePersist;

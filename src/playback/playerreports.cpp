@@ -4,6 +4,7 @@
 #include "playercontroller.h"
 #include "scrobblethreshold.h"
 
+#include <QDateTime>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -13,9 +14,9 @@ const QString volumeKey = u"volume"_s;
 const QString scrobbleEnabledKey = u"scrobbleEnabled"_s;
 
 // The outcome is not looked at: no retry, no message, the flag stays set.
-QCoro::Task<> sendScrobble(SubsonicClient client, QString songId, ScrobbleKind kind, CancelToken token)
+QCoro::Task<> sendNowPlaying(SubsonicClient client, QString songId, CancelToken token)
 {
-    co_await client.scrobble(std::move(songId), kind, token);
+    co_await client.scrobble(std::move(songId), ScrobbleKind::NowPlaying, std::nullopt, token);
 }
 }
 
@@ -55,11 +56,15 @@ void PlayerController::maybeSubmitScrobble()
 
 void PlayerController::sendReport(const Song &song, ScrobbleKind kind)
 {
+    // A play heard is kept until the server has it, with the time it began; "now playing" is news only now.
+    if (kind == ScrobbleKind::Played) {
+        m_playReports.submit(*m_client, song.id,
+                             QDateTime::currentMSecsSinceEpoch() - qint64(std::max(m_currentTime, 0.0) * 1000));
+        return;
+    }
     std::erase_if(m_reports, [](const auto &handle) { return !handle->isRunning(); });
     auto &handle = m_reports.emplace_back(std::make_unique<TaskHandle>());
-    handle->start([client = *m_client, id = song.id, kind](CancelToken token) {
-        return sendScrobble(client, id, kind, token);
-    });
+    handle->start([client = *m_client, id = song.id](CancelToken token) { return sendNowPlaying(client, id, token); });
 }
 
 void PlayerController::readPersistedVolume()

@@ -54,6 +54,8 @@ void PlayerController::saveSession()
 
 void PlayerController::restoreSession(SubsonicClient client)
 {
+    // The account in use at start: plays it could not report last time go out now.
+    m_playReports.setClient(client);
     if (m_didAttemptRestore || currentSong())
         return;
     // One attempt per run, even a failed one.

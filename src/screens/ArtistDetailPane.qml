@@ -3,7 +3,7 @@ import QtQuick.Controls
 import Velto
 
 // One artist: the name with the heart, Play and Shuffle, then the artist's albums newest first. Play and Shuffle
-// wait while the discography is being collected. Leaving the screen gives the window back its neutral colour.
+// wait while the discography is being collected. It has no colour of its own: the window stays neutral.
 Item {
     id: pane
     required property Theme theme
@@ -12,7 +12,6 @@ Item {
     required property DownloadStore downloads
     required property PlayerController player
     required property var askNewPlaylistName
-    required property var onAccent
     required property var artist
     readonly property real cellWidth: theme.albumArtworkSize
 
@@ -23,14 +22,13 @@ Item {
         player: pane.player
         artist: pane.artist
         // Another artist starts at the top of its page.
-        onArtistChanged: grid.positionViewAtBeginning()
+        onLoadStarted: grid.positionViewAtBeginning()
     }
     AlbumActions {
         id: albumActions
         library: pane.library
         player: pane.player
     }
-    Component.onDestruction: pane.onAccent(undefined)
 
     GridView {
         id: grid

@@ -9,8 +9,6 @@ ServerUnavailableFallback {
     required property PlayerController player
     required property Preferences preferences
     required property var askNewPlaylistName
-    // Tells the window the page's colour.
-    required property var onAccent
 
     isEmpty: artistsScreen.state !== "list"
 
@@ -78,8 +76,11 @@ ServerUnavailableFallback {
                 required property string coverArt
                 required property bool isLiked
                 readonly property bool isSelected: artistsScreen.selectedArtistId === artistId
+                // The menu acts on the artist it was opened for, whatever the row shows meanwhile.
                 function openMenu() {
                     menuLoader.active = true
+                    menuLoader.item.artistId = artistId
+                    menuLoader.item.isLiked = isLiked
                     menuLoader.item.popup()
                 }
 
@@ -131,17 +132,20 @@ ServerUnavailableFallback {
                     id: menuLoader
                     active: false
                     sourceComponent: Menu {
+                        id: artistMenu
+                        property string artistId
+                        property bool isLiked
                         MenuItem {
                             text: qsTr("Play")
-                            onTriggered: artistsScreen.playArtist(row.artistId, false)
+                            onTriggered: artistsScreen.playArtist(artistMenu.artistId, false)
                         }
                         MenuItem {
                             text: qsTr("Shuffle")
-                            onTriggered: artistsScreen.playArtist(row.artistId, true)
+                            onTriggered: artistsScreen.playArtist(artistMenu.artistId, true)
                         }
                         MenuItem {
-                            text: row.isLiked ? qsTr("Unlike Artist") : qsTr("Like Artist")
-                            onTriggered: artistsScreen.toggleLike(row.artistId)
+                            text: artistMenu.isLiked ? qsTr("Unlike Artist") : qsTr("Like Artist")
+                            onTriggered: artistsScreen.toggleLike(artistMenu.artistId)
                         }
                     }
                 }
@@ -187,7 +191,6 @@ ServerUnavailableFallback {
             downloads: page.downloads
             player: page.player
             askNewPlaylistName: page.askNewPlaylistName
-            onAccent: page.onAccent
             artist: artistsScreen.selectedArtist
         }
     }

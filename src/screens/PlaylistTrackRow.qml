@@ -9,6 +9,7 @@ import Velto
 ItemDelegate {
     id: row
     required property int index
+    required property string entryId
     required property string songId
     required property var record
     required property string title
@@ -112,6 +113,8 @@ ItemDelegate {
             row.screen.select(row.index)
             row.ListView.view.forceActiveFocus(Qt.MouseFocusReason)
             menuLoader.active = true
+            menuLoader.item.entryId = row.entryId
+            menuLoader.item.record = row.record
             menuLoader.item.popup()
         }
     }
@@ -132,28 +135,32 @@ ItemDelegate {
         }
         onCentroidChanged: if (active) row.dragMoved(centroid.scenePosition)
     }
-    // Made when first opened: long playlists make many rows.
+    // Made when first opened: long playlists make many rows. It acts on the entry it was opened for, wherever
+    // that entry has gone meanwhile.
     Loader {
         id: menuLoader
         active: false
         sourceComponent: Menu {
+            id: menu
+            property string entryId
+            property var record: ({})
             MenuItem {
                 text: qsTr("Play Next")
-                onTriggered: row.screen.playRowNext(row.index)
+                onTriggered: row.screen.playRowNext(row.screen.rowOfEntry(menu.entryId))
             }
             MenuItem {
                 text: qsTr("Play Last")
-                onTriggered: row.screen.playRowLast(row.index)
+                onTriggered: row.screen.playRowLast(row.screen.rowOfEntry(menu.entryId))
             }
             MenuSeparator {}
             LikeMenuButton {
                 library: row.library
-                song: row.record
+                song: menu.record
             }
             AddToPlaylistMenu {
                 library: row.library
                 askNewPlaylistName: row.askNewPlaylistName
-                songs: [row.record]
+                songs: [menu.record]
             }
             MenuSeparator {}
             MenuItem {
@@ -161,7 +168,7 @@ ItemDelegate {
                 enabled: !row.screen.isLocalOrder
                 palette.windowText: row.theme.destructive
                 palette.disabled.windowText: row.theme.tertiaryText
-                onTriggered: row.screen.remove(row.index)
+                onTriggered: row.screen.remove(row.screen.rowOfEntry(menu.entryId))
             }
         }
     }

@@ -56,6 +56,13 @@ std::optional<QString> movedSelection(const QList<Song> &ordered, const QString 
     return moved ? std::optional<QString>(ordered.at(*moved).id) : std::nullopt;
 }
 
+int movedRow(int selectedRow, int count, int delta)
+{
+    const std::optional<qsizetype> moved =
+        movedRow(selectedRow >= 0 ? std::optional<qsizetype>(selectedRow) : std::nullopt, count, delta);
+    return moved ? int(*moved) : -1;
+}
+
 std::optional<qsizetype> movedRow(std::optional<qsizetype> selected, qsizetype count, int delta)
 {
     if (count == 0)

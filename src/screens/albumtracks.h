@@ -28,4 +28,6 @@ namespace AlbumTracks {
 [[nodiscard]] std::optional<QString> movedSelection(const QList<Song> &ordered, const QString &selectedId, int delta);
 // The same by row in a list of `count` rows.
 [[nodiscard]] std::optional<qsizetype> movedRow(std::optional<qsizetype> selected, qsizetype count, int delta);
+// The same with -1 for no row, given or answered.
+[[nodiscard]] int movedRow(int selectedRow, int count, int delta);
 }

@@ -1,5 +1,6 @@
 #include "artistdetailscreen.h"
 
+#include "artistsscreen.h"
 #include "library/connectionfault.h"
 #include "library/librarystore.h"
 #include "playback/playercontroller.h"
@@ -64,6 +65,7 @@ void ArtistDetailScreen::load()
     m_loaded = false;
     m_errorMessage.clear();
     m_albums.setAlbums({});
+    Q_EMIT loadStarted();
     Q_EMIT loadChanged();
     Q_EMIT assemblingChanged();
     m_library->ensureStarredLoaded();
@@ -121,22 +123,10 @@ void ArtistDetailScreen::playDiscography(bool shuffled)
     setAssembling(true);
     m_assembly.start([this, library = m_library, player = m_player, id = m_artist.id,
                       shuffled](CancelToken token) -> QCoro::Task<> {
-        QList<Song> songs;
-        try {
-            QCoro::Task<QList<Song>> collecting = library->artistDiscographySongs(id, token);
-            songs = co_await collecting;
-        } catch (...) {
-        }
+        co_await ArtistRules::playDiscography(library, player, id, shuffled, token);
         // Cancelled: the next artist's start has already put the buttons back.
-        if (token.isCancelled())
-            co_return;
-        if (!songs.isEmpty() && library && player) {
-            if (shuffled)
-                player->playShuffled(songs, library->client(), std::nullopt);
-            else
-                player->play(songs, 0, library->client(), std::nullopt);
-        }
-        setAssembling(false);
+        if (!token.isCancelled())
+            setAssembling(false);
     });
 }
 

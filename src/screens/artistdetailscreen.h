@@ -67,6 +67,8 @@ Q_SIGNALS:
     void loadChanged();
     void assemblingChanged();
     void likedChanged();
+    // Another artist's albums are on their way.
+    void loadStarted();
 
 private:
     void load();

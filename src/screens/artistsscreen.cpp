@@ -59,6 +59,24 @@ int ArtistListModel::rowOf(const QString &id) const
 }
 
 namespace ArtistRules {
+QCoro::Task<> playDiscography(QPointer<LibraryStore> library, QPointer<PlayerController> player, QString artistId,
+                              bool shuffled, CancelToken token)
+{
+    QList<Song> songs;
+    try {
+        QCoro::Task<QList<Song>> collecting = library->artistDiscographySongs(artistId, token);
+        songs = co_await collecting;
+    } catch (...) {
+        co_return;
+    }
+    if (token.isCancelled() || songs.isEmpty() || !library || !player)
+        co_return;
+    if (shuffled)
+        player->playShuffled(songs, library->client(), std::nullopt);
+    else
+        player->play(songs, 0, library->client(), std::nullopt);
+}
+
 std::optional<QString> resolvedSelection(const std::optional<QString> &stored, const QList<Artist> &artists)
 {
     if (stored && std::any_of(artists.cbegin(), artists.cend(), [&](const Artist &artist) { return artist.id == *stored; }))
@@ -189,13 +207,10 @@ void ArtistsScreen::select(const QString &id)
 
 int ArtistsScreen::moveSelection(int delta)
 {
-    const int current = selectedRow();
-    const std::optional<qsizetype> moved = AlbumTracks::movedRow(
-        current >= 0 ? std::optional<qsizetype>(current) : std::nullopt, m_artists.rowCount(), delta);
-    if (!moved)
-        return -1;
-    select(m_artists.items().at(*moved).artist.id);
-    return int(*moved);
+    const int moved = AlbumTracks::movedRow(selectedRow(), m_artists.rowCount(), delta);
+    if (moved >= 0)
+        select(m_artists.items().at(moved).artist.id);
+    return moved;
 }
 
 void ArtistsScreen::setSelectedId(std::optional<QString> id)
@@ -218,20 +233,8 @@ void ArtistsScreen::playArtist(const QString &id, bool shuffled)
 {
     if (!m_library || !m_player)
         return;
-    m_play.start([library = m_library, player = m_player, id, shuffled](CancelToken token) -> QCoro::Task<> {
-        QList<Song> songs;
-        try {
-            QCoro::Task<QList<Song>> collecting = library->artistDiscographySongs(id, token);
-            songs = co_await collecting;
-        } catch (...) {
-            co_return;
-        }
-        if (token.isCancelled() || songs.isEmpty() || !library || !player)
-            co_return;
-        if (shuffled)
-            player->playShuffled(songs, library->client(), std::nullopt);
-        else
-            player->play(songs, 0, library->client(), std::nullopt);
+    m_play.start([library = m_library, player = m_player, id, shuffled](CancelToken token) {
+        return ArtistRules::playDiscography(library, player, id, shuffled, token);
     });
 }
 

@@ -50,6 +50,10 @@ namespace ArtistRules {
 // The stored choice while an artist has it, else the first artist; none without artists.
 [[nodiscard]] std::optional<QString> resolvedSelection(const std::optional<QString> &stored,
                                                        const QList<Artist> &artists);
+// Collects the artist's songs, newest album first, and plays them from the top or shuffled. Without songs, on a
+// failure or once cancelled: nothing, and no word of it.
+QCoro::Task<> playDiscography(QPointer<LibraryStore> library, QPointer<PlayerController> player, QString artistId,
+                              bool shuffled, CancelToken token);
 }
 
 class ArtistsScreen : public QObject, public QQmlParserStatus

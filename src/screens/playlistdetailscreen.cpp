@@ -13,17 +13,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// Runs to its end whatever the page does meanwhile; the page hears of the outcome only if it is still there.
-QCoro::Task<> sendOrder(QPointer<LibraryStore> library, QString playlistId, QStringList songIds,
-                        std::function<void(bool)> then)
-{
-    if (!library)
-        co_return;
-    const bool saved = co_await library->reorderPlaylist(playlistId, songIds);
-    if (then)
-        then(saved);
-}
-
 QCoro::Task<> renameThenReload(QPointer<LibraryStore> library, QString id, QString name,
                                QPointer<PlaylistDetailScreen> screen, std::function<void()> reload)
 {
@@ -49,8 +38,7 @@ PlaylistDetailScreen::PlaylistDetailScreen(QObject *parent) : QObject(parent)
 
 PlaylistDetailScreen::~PlaylistDetailScreen()
 {
-    if (m_saveTimer.isActive() && m_library)
-        sendOrder(m_library, m_playlistId, m_pendingOrder, {});
+    flushPendingSave();
 }
 
 LibraryStore *PlaylistDetailScreen::library() const
@@ -72,7 +60,7 @@ void PlaylistDetailScreen::setLibrary(LibraryStore *library)
         connect(library, &LibraryStore::reachabilityChanged, this, [this] {
             // The server is back: its copy replaces the downloaded one.
             if (m_isLocalOrder && m_library->reachability().isOk())
-                reload();
+                load();
         });
     }
     Q_EMIT inputsChanged();
@@ -169,11 +157,6 @@ bool PlaylistDetailScreen::isPlaying() const
     return m_player && m_player->isPlaying();
 }
 
-void PlaylistDetailScreen::reload()
-{
-    load();
-}
-
 void PlaylistDetailScreen::load()
 {
     if (!m_complete || !m_library || m_playlistId.isEmpty())
@@ -214,6 +197,13 @@ void PlaylistDetailScreen::setLoaded(const PlaylistDetail &detail, bool localOrd
     const QList<Song> songs = detail.entry.value_or(QList<Song>());
     m_detail = detail;
     m_errorMessage.clear();
+    // Moves not yet saved, or saved but not yet answered, are newer than any order the server just gave.
+    const bool keepMoves = !localOrder && !m_isLocalOrder && (m_saveTimer.isActive() || m_ordersInFlight > 0)
+        && m_entries.rowCount() > 0;
+    if (keepMoves) {
+        Q_EMIT loadChanged();
+        return;
+    }
     applyEntries(songs, localOrder);
     m_loadedSongIds = m_entries.songIds();
     if (!localOrder)
@@ -231,7 +221,9 @@ void PlaylistDetailScreen::applyEntries(const QList<Song> &songs, bool localOrde
     m_isLocalOrder = localOrder;
     const std::optional<qsizetype> row =
         PlaylistRules::resolvedSelection(previousRow, previousSongId, m_entries.songIds());
-    setSelectedId(row ? m_entries.items().at(*row).id : QUuid());
+    m_entries.setSelectedId(row ? m_entries.items().at(*row).id : QUuid());
+    if (row != previousRow)
+        Q_EMIT selectionChanged();
     updateCurrent();
 }
 
@@ -321,13 +313,9 @@ void PlaylistDetailScreen::playRowLast(int row)
 
 int PlaylistDetailScreen::moveSelection(int delta)
 {
-    const int current = selectedRow();
-    const std::optional<qsizetype> moved = AlbumTracks::movedRow(
-        current >= 0 ? std::optional<qsizetype>(current) : std::nullopt, m_entries.rowCount(), delta);
-    if (!moved)
-        return -1;
-    select(int(*moved));
-    return int(*moved);
+    const int moved = AlbumTracks::movedRow(selectedRow(), m_entries.rowCount(), delta);
+    select(moved);
+    return moved;
 }
 
 void PlaylistDetailScreen::playSelected()
@@ -402,12 +390,20 @@ void PlaylistDetailScreen::persistOrder()
 void PlaylistDetailScreen::saveOrder(const QStringList &songIds)
 {
     m_savedOrder = songIds;
-    sendOrder(m_library, m_playlistId, songIds,
-              [self = QPointer(this), id = m_playlistId](bool saved) {
-                  // Refused: the server's order comes back, from the copy the store still holds.
-                  if (!saved && self && self->m_playlistId == id)
-                      self->reload();
-              });
+    ++m_ordersInFlight;
+    m_edits.add([library = m_library, id = m_playlistId, songIds, self = QPointer(this)]() -> QCoro::Task<> {
+        bool saved = false;
+        if (library)
+            saved = co_await library->reorderPlaylist(id, songIds);
+        if (self)
+            --self->m_ordersInFlight;
+        // Refused: the server's order comes back, from the copy the store still holds, and moves made since
+        // go with it.
+        if (!saved && library && self && self->m_playlistId == id) {
+            self->m_saveTimer.stop();
+            self->load();
+        }
+    });
 }
 
 void PlaylistDetailScreen::flushPendingSave()
@@ -418,32 +414,21 @@ void PlaylistDetailScreen::flushPendingSave()
     }
 }
 
+// After any move not yet saved: the index means something only in the order the server holds.
 void PlaylistDetailScreen::remove(int row)
 {
     if (m_isLocalOrder || row < 0 || row >= m_entries.rowCount() || !m_library)
         return;
-    removeAfterSave(row);
+    flushPendingSave();
+    m_edits.add([library = m_library, id = m_playlistId, row, songIds = m_entries.songIds()]() -> QCoro::Task<> {
+        if (library)
+            co_await library->removeSong(row, songIds, id);
+    });
 }
 
-// The index means something only in the order the server holds, so a move not yet saved goes first.
-QCoro::Task<> PlaylistDetailScreen::removeAfterSave(int row)
+int PlaylistDetailScreen::rowOfEntry(const QString &entryId) const
 {
-    QPointer<PlaylistDetailScreen> self(this);
-    QPointer<LibraryStore> library = m_library;
-    const QString id = m_playlistId;
-    const QStringList songIds = m_entries.songIds();
-    if (m_saveTimer.isActive()) {
-        m_saveTimer.stop();
-        m_savedOrder = songIds;
-        if (!co_await library->reorderPlaylist(id, songIds)) {
-            if (self)
-                reload();
-            co_return;
-        }
-        if (!library)
-            co_return;
-    }
-    co_await library->removeSong(row, songIds, id);
+    return int(m_entries.rowOf(QUuid::fromString(entryId)).value_or(-1));
 }
 
 void PlaylistDetailScreen::removeSelected()
@@ -457,7 +442,7 @@ void PlaylistDetailScreen::rename(const QString &name)
     if (trimmed.isEmpty() || !m_library)
         return;
     // A rename leaves the revision alone, so the page asks again itself.
-    renameThenReload(m_library, m_playlistId, trimmed, this, [this] { reload(); });
+    renameThenReload(m_library, m_playlistId, trimmed, this, [this] { load(); });
 }
 
 void PlaylistDetailScreen::deletePlaylist()

@@ -6,6 +6,7 @@
 // own order, playable but not editable, until the server answers again.
 
 #include "common/task.h"
+#include "editsequence.h"
 #include "playlistentries.h"
 
 #include <QJsonArray>
@@ -100,6 +101,8 @@ public:
     Q_INVOKABLE int moveSelectedRow(int delta);
 
     Q_INVOKABLE void remove(int row);
+    // The row of an entry, for a menu that outlives a reload of the rows; -1 when it has gone.
+    Q_INVOKABLE int rowOfEntry(const QString &entryId) const;
     Q_INVOKABLE void removeSelected();
     // A name of blanks does nothing.
     Q_INVOKABLE void rename(const QString &name);
@@ -117,7 +120,6 @@ Q_SIGNALS:
     void deleted();
 
 private:
-    void reload();
     void load();
     void setLoaded(const PlaylistDetail &detail, bool localOrder);
     void applyEntries(const QList<Song> &songs, bool localOrder);
@@ -127,7 +129,6 @@ private:
     void persistOrder();
     void saveOrder(const QStringList &songIds);
     void flushPendingSave();
-    QCoro::Task<> removeAfterSave(int row);
 
     QPointer<LibraryStore> m_library;
     QPointer<DownloadStore> m_downloads;
@@ -144,6 +145,9 @@ private:
     QStringList m_savedOrder;
     QStringList m_pendingOrder;
     QTimer m_saveTimer;
+    // Saves sent or waiting to be: until they are answered, an order loaded from the server is older than the rows.
+    int m_ordersInFlight = 0;
+    EditSequence m_edits;
     bool m_complete = false;
     TaskHandle m_load;
 };

@@ -80,12 +80,19 @@ void SongTableModel::setSongs(const QList<Song> &songs)
         return;
     // The rows point into the old list until the change is told: it stays alive until then.
     const QList<Song> previous = m_songs;
+    // A page added at the end keeps the ranks of the texts before it; any other change ranks everything anew, so
+    // the ranks hold only the texts of this list.
     const bool appended = songs.size() >= previous.size()
-        && std::equal(previous.cbegin(), previous.cend(), songs.cbegin(),
-                      [](const Song &a, const Song &b) { return a.id == b.id; });
+        && std::equal(previous.cbegin(), previous.cend(), songs.cbegin(), [](const Song &a, const Song &b) {
+               return a.id == b.id && a.title == b.title && a.artist == b.artist && a.album == b.album;
+           });
     m_songs = songs;
-    if (!appended)
+    if (!appended) {
         m_keys.clear();
+        m_titles = CollationRanks(false);
+        m_artists = CollationRanks(true);
+        m_albums = CollationRanks(true);
+    }
     m_keys.reserve(size_t(m_songs.size()));
     for (qsizetype i = qsizetype(m_keys.size()); i < m_songs.size(); ++i) {
         const Song &song = m_songs.at(i);

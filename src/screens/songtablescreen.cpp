@@ -217,12 +217,9 @@ void SongTableScreen::selectAll()
 
 int SongTableScreen::moveCursor(int delta, bool extend)
 {
-    const int current = cursorRow();
-    const std::optional<qsizetype> moved =
-        AlbumTracks::movedRow(current >= 0 ? std::optional<qsizetype>(current) : std::nullopt, m_rows.rowCount(), delta);
-    if (!moved)
+    const int row = AlbumTracks::movedRow(cursorRow(), m_rows.rowCount(), delta);
+    if (row < 0)
         return -1;
-    const int row = int(*moved);
     if (extend && m_rows.rowOf(m_anchorId))
         select(idsBetween(*m_rows.rowOf(m_anchorId), row), m_rows.songAt(row).id, true);
     else

@@ -110,8 +110,16 @@ ResponseEnvelope SubsonicClient::decodeEnvelope(const QByteArray &body)
 QCoro::Task<ResponseEnvelope> SubsonicClient::requestEnvelope(QString endpoint, QList<QueryItem> params,
                                                               CancelToken token) const
 {
-    const QByteArray body = co_await fetch(url(endpoint, params), token);
-    co_return decodeEnvelope(body);
+    const QUrl address = url(endpoint, params);
+    QByteArray query = address.query(QUrl::FullyEncoded).toLatin1();
+    // Servers and proxies refuse long URLs (8 KB is common), and a playlist of thousands of songs makes one: past
+    // this length the same signed parameters go as a form, which servers of this interface read alike.
+    if (query.size() > maxQueryBytes) {
+        QUrl bare = address;
+        bare.setQuery(QString());
+        co_return decodeEnvelope(co_await fetch(bare, token, std::move(query)));
+    }
+    co_return decodeEnvelope(co_await fetch(address, token));
 }
 
 namespace {
@@ -122,11 +130,18 @@ bool isTransportFailure(QNetworkReply::NetworkError error)
 }
 }
 
-QCoro::Task<QByteArray> SubsonicClient::fetch(QUrl url, CancelToken token) const
+QCoro::Task<QByteArray> SubsonicClient::fetch(QUrl url, CancelToken token, std::optional<QByteArray> form,
+                                              int redirectsLeft) const
 {
     if (token.isCancelled())
         throw TaskCancelled{};
-    QNetworkReply *reply = m_network->get(QNetworkRequest(url));
+    QNetworkRequest request(url);
+    if (form) {
+        request.setHeader(QNetworkRequest::ContentTypeHeader, "application/x-www-form-urlencoded"_ba);
+        // Qt would follow a redirect of a form as a GET without its body; it is followed here instead.
+        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    }
+    QNetworkReply *reply = form ? m_network->post(request, *form) : m_network->get(request);
     token.track(reply);
     const auto verdict = guardTransfer(reply, maxAnswerBytes);
 
@@ -153,6 +168,11 @@ QCoro::Task<QByteArray> SubsonicClient::fetch(QUrl url, CancelToken token) const
         throw TransportError(error);
     }
     const int httpStatus = status.toInt();
+    const QUrl redirect = url.resolved(reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl());
+    // A server moved to https, say: the form goes where it points, once, and never from https to plain http.
+    if (form && httpStatus >= 300 && httpStatus < 400 && redirect.isValid() && redirect != url
+        && !(url.scheme() == "https"_L1 && redirect.scheme() != "https"_L1) && redirectsLeft > 0)
+        co_return co_await fetch(redirect, token, std::move(form), redirectsLeft - 1);
     if (httpStatus < 200 || httpStatus > 299)
         throw SubsonicError::http(httpStatus);
     co_return reply->readAll();

@@ -81,7 +81,9 @@ public:
 
     QCoro::Task<> star(StarTarget target, CancelToken token = {}) const;
     QCoro::Task<> unstar(StarTarget target, CancelToken token = {}) const;
-    QCoro::Task<> scrobble(QString songId, ScrobbleKind kind, CancelToken token = {}) const;
+    // `playedAt`, in milliseconds since 1970, tells when a play was heard; without it the server takes now.
+    QCoro::Task<> scrobble(QString songId, ScrobbleKind kind, std::optional<qint64> playedAt = std::nullopt,
+                           CancelToken token = {}) const;
 
     QCoro::Task<std::optional<QList<Playlist>>> playlists(CancelToken token = {}) const;
     // Servers older than API 1.14.0 answer an empty "ok" without the new playlist: then the result is empty.
@@ -97,9 +99,13 @@ public:
 
     // The most an API answer may buffer; anything larger is not a Subsonic answer.
     static constexpr qint64 maxAnswerBytes = 32 * 1024 * 1024;
+    // The longest query sent in the URL; a longer one goes as a form in the body of a POST.
+    static constexpr qsizetype maxQueryBytes = 4000;
 
 private:
-    QCoro::Task<QByteArray> fetch(QUrl url, CancelToken token) const;
+    // A GET of `url`, or with `form` a POST of it, which follows a few redirects itself.
+    QCoro::Task<QByteArray> fetch(QUrl url, CancelToken token, std::optional<QByteArray> form = std::nullopt,
+                                  int redirectsLeft = 3) const;
 
     ServerConfig m_config;
     QNetworkAccessManager *m_network;

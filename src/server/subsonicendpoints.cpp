@@ -118,10 +118,13 @@ QCoro::Task<> SubsonicClient::unstar(StarTarget target, CancelToken token) const
     co_await requestEnvelope("unstar"_L1, params, token);
 }
 
-QCoro::Task<> SubsonicClient::scrobble(QString songId, ScrobbleKind kind, CancelToken token) const
+QCoro::Task<> SubsonicClient::scrobble(QString songId, ScrobbleKind kind, std::optional<qint64> playedAt,
+                                       CancelToken token) const
 {
     const QString submission = kind == ScrobbleKind::Played ? "true"_L1 : "false"_L1;
-    const QList<QueryItem> params{{"id"_L1, songId}, {"submission"_L1, submission}};
+    QList<QueryItem> params{{"id"_L1, songId}, {"submission"_L1, submission}};
+    if (playedAt)
+        params.append({"time"_L1, number(*playedAt)});
 
     co_await requestEnvelope("scrobble"_L1, params, token);
 }
@@ -179,9 +182,10 @@ QUrl SubsonicClient::coverArtURL(const QString &id, std::optional<int> size) con
     return url("getCoverArt"_L1, params);
 }
 
+// The file as it is on the server, not transcoded: it keeps its tags, ReplayGain's among them.
 QUrl SubsonicClient::streamURL(const QString &songId) const
 {
-    return url("stream"_L1, {{"id"_L1, songId}});
+    return url("stream"_L1, {{"id"_L1, songId}, {"format"_L1, "raw"_L1}});
 }
 
 QUrl SubsonicClient::downloadURL(const QString &songId) const

@@ -106,7 +106,6 @@ Loader {
             player: destination.player
             preferences: destination.preferences
             askNewPlaylistName: destination.askNewPlaylistName
-            onAccent: color => destination.onAccent(color)
         }
     }
     Component {
@@ -118,7 +117,6 @@ Loader {
             downloads: destination.downloads
             player: destination.player
             askNewPlaylistName: destination.askNewPlaylistName
-            onAccent: color => destination.onAccent(color)
             artist: destination.record
         }
     }

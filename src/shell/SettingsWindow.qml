@@ -68,6 +68,28 @@ Window {
             opacity: 0.6
             text: qsTr("Updates play counts on your server, and Last.fm/ListenBrainz if it is configured there.")
         }
+        RowLayout {
+            Layout.fillWidth: true
+            Label {
+                Layout.fillWidth: true
+                text: qsTr("Volume Levelling")
+            }
+            ComboBox {
+                objectName: "volumeLevelling"
+                Accessible.name: qsTr("Volume Levelling")
+                // In the order of the setting's values: off, by track, by album.
+                model: [qsTr("Off"), qsTr("By Track"), qsTr("By Album")]
+                currentIndex: window.app.preferences.volumeLevellingIndex
+                onActivated: index => window.app.preferences.volumeLevellingIndex = index
+            }
+        }
+        Label {
+            Layout.fillWidth: true
+            wrapMode: Text.WordWrap
+            font.pixelSize: 11
+            opacity: 0.6
+            text: qsTr("Evens out loudness between songs with the ReplayGain tags of their files.")
+        }
         Switch {
             Layout.fillWidth: true
             text: qsTr("Automatically check for updates")

@@ -8,6 +8,7 @@ namespace {
 const QString scrobbleEnabledKey = u"scrobbleEnabled"_s;
 const QString showTotalTimeKey = u"showTotalTime"_s;
 const QString artistsSelectedIdKey = u"artistsSelectedID"_s;
+const QString replayGainKey = u"replayGain"_s;
 }
 
 Preferences::Preferences(QSettings *settings, QObject *parent)
@@ -53,4 +54,23 @@ void Preferences::setArtistsSelectedId(const QString &id)
         return;
     m_settings->setValue(artistsSelectedIdKey, id);
     Q_EMIT artistsSelectedIdChanged();
+}
+
+LoudnessLevelling Preferences::volumeLevelling() const
+{
+    return loudnessLevellingFromName(m_settings->value(replayGainKey).toString()).value_or(LoudnessLevelling::ByAlbum);
+}
+
+void Preferences::setVolumeLevelling(LoudnessLevelling levelling)
+{
+    if (levelling == volumeLevelling() && m_settings->contains(replayGainKey))
+        return;
+    m_settings->setValue(replayGainKey, loudnessLevellingName(levelling));
+    Q_EMIT volumeLevellingChanged();
+}
+
+void Preferences::setVolumeLevellingIndex(int index)
+{
+    if (index >= int(LoudnessLevelling::Off) && index <= int(LoudnessLevelling::ByAlbum))
+        setVolumeLevelling(LoudnessLevelling(index));
 }

@@ -38,6 +38,9 @@ VeltoApp::VeltoApp(Setup setup, QObject *parent)
     m_nowPlayingArtwork = std::make_unique<NowPlayingArtwork>(m_player.get(), m_appState.get(), m_mpris.get());
     m_sleepWatcher = std::make_unique<SleepWatcher>(m_player.get());
     m_preferences = std::make_unique<Preferences>(&m_settings);
+    m_engine->setLoudnessLevelling(m_preferences->volumeLevelling());
+    connect(m_preferences.get(), &Preferences::volumeLevellingChanged, this,
+            [this] { m_engine->setLoudnessLevelling(m_preferences->volumeLevelling()); });
     m_updater = std::make_unique<UpdaterModel>(UpdaterModel::Setup{
         .network = sharedNetworkAccess(),
         .settings = &m_settings,

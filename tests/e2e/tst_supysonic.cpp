@@ -204,6 +204,21 @@ private Q_SLOTS:
         QCOMPARE(onServer(*id), (QStringList{songs[2].id, songs[0].id, songs[1].id}));
         awaitTask(store.renamePlaylist(*id, u"Renamed"_s));
         QCOMPARE(awaitTask(client->playlist(*id)).name, u"Renamed"_s);
+
+        // Thousands of entries, far past what a URL carries: the whole order, then a thousand more at its end.
+        QStringList threeThousand;
+        for (int i = 0; i < 3000; ++i)
+            threeThousand.append(store.songs().at(i % store.songs().size()).id);
+        QVERIFY(awaitTask(store.reorderPlaylist(*id, threeThousand), 60000));
+        QCOMPARE(onServer(*id), threeThousand);
+        const QList<Song> thousand = [&] {
+            QList<Song> added;
+            for (int i = 0; i < 1000; ++i)
+                added.append(store.songs().at((i * 5) % store.songs().size()));
+            return added;
+        }();
+        awaitTask(store.addSongs(thousand, *id), 60000);
+        QCOMPARE(onServer(*id), threeThousand + idsOf(thousand));
         QVERIFY(awaitTask(store.deletePlaylist(*id)));
         QCOMPARE(awaitTask(client->playlists()), std::nullopt);
         QCOMPARE(store.lastFailure(), std::nullopt);

@@ -9,6 +9,7 @@
 #include "playback/mpvaudioengine.h"
 #include "playback/sessionsnapshot.h"
 
+#include <QDir>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -65,6 +66,28 @@ private:
     std::unique_ptr<MpvAudioEngine> m_engine;
     std::unique_ptr<PlayerController> m_controller;
 };
+
+// A copy of the tone's part `part` named "part<name>.flac", its samples untouched, with ReplayGain tags. The tone
+// peaks at 0.7.
+bool tagCopy(const AudioFixture::Tone &tone, int part, const QString &name, double trackGain, double albumGain)
+{
+    const auto gain = [](double db) { return QString::number(db, 'f', 2) + u" dB"_s; };
+    return AudioFixture::ffmpeg({u"-i"_s, tone.partPath(part), u"-c"_s, u"copy"_s,
+                                 u"-metadata"_s, u"REPLAYGAIN_TRACK_GAIN="_s + gain(trackGain),
+                                 u"-metadata"_s, u"REPLAYGAIN_TRACK_PEAK=0.700000"_s,
+                                 u"-metadata"_s, u"REPLAYGAIN_ALBUM_GAIN="_s + gain(albumGain),
+                                 u"-metadata"_s, u"REPLAYGAIN_ALBUM_PEAK=0.700000"_s,
+                                 tone.folder + u"/part"_s + name + u".flac"_s});
+}
+
+// The level of `samples` from `from` for `count` samples, in decibels.
+double levelDb(const std::vector<float> &samples, qsizetype from, qsizetype count)
+{
+    double sum = 0;
+    for (qsizetype i = std::max<qsizetype>(from, 0); i < from + count && i < qsizetype(samples.size()); ++i)
+        sum += double(samples[size_t(i)]) * samples[size_t(i)];
+    return 10 * std::log10(sum / double(count));
+}
 
 QString describe(const AudioFixture::GapReport &report)
 {
@@ -152,6 +175,74 @@ private Q_SLOTS:
         verifySeamless(player.output(), AudioFixture::concat({m_tone->part(0), m_tone->part(2)}));
     }
 
+    // Two parts of one tone, the second tagged 6 dB quieter as a track but as loud within its album.
+    void levellingFollowsTheFilesTagsAndKeepsAlbumsGapless()
+    {
+        QVERIFY(tagCopy(*m_tone, 0, u"rg0"_s, 0, 0));
+        QVERIFY(tagCopy(*m_tone, 1, u"rg1"_s, -6, 0));
+        const auto levels = [&](LoudnessLevelling levelling) {
+            RealPlayer player(*m_tone, nextOutputPath());
+            player.engine().setLoudnessLevelling(levelling);
+            player.play(u"rg0 rg1"_s);
+            const bool ended = player.waitForEnd();
+            const std::vector<float> output = player.output();
+            const AudioFixture::GapReport report = AudioFixture::measureGaps(
+                output, AudioFixture::concat({m_tone->part(0), m_tone->part(1)}), m_tone->partSamples);
+            const qsizetype part = m_tone->partSamples;
+            return std::tuple{ended, report, levelDb(output, report.lead + part / 4, part / 2),
+                              levelDb(output, report.lead + part + part / 4, part / 2)};
+        };
+        const auto [endedByTrack, byTrackReport, first, second] = levels(LoudnessLevelling::ByTrack);
+        QVERIFY(endedByTrack);
+        QVERIFY2(std::abs(second - first + 6) < 0.2, qPrintable(u"%1 dB then %2 dB"_s.arg(first).arg(second)));
+        const auto [endedOff, offReport, firstOff, secondOff] = levels(LoudnessLevelling::Off);
+        QVERIFY(endedOff);
+        QVERIFY2(std::abs(secondOff - firstOff) < 0.2, qPrintable(u"%1 dB then %2 dB"_s.arg(firstOff).arg(secondOff)));
+        // A gain past what the peak allows is held to the peak: +6 dB on a peak of 0.7 gives 1/0.7, about +3.1 dB.
+        QVERIFY(tagCopy(*m_tone, 1, u"loud"_s, 6, 6));
+        RealPlayer loud(*m_tone, nextOutputPath());
+        loud.engine().setLoudnessLevelling(LoudnessLevelling::ByTrack);
+        loud.play(u"rg0 loud"_s);
+        QVERIFY(loud.waitForEnd());
+        const std::vector<float> loudOutput = loud.output();
+        const qsizetype part = m_tone->partSamples;
+        const qsizetype lead = qsizetype(loudOutput.size()) - 2 * part;
+        const double raised = levelDb(loudOutput, lead + part + part / 4, part / 2) - levelDb(loudOutput, lead + part / 4, part / 2);
+        QVERIFY2(std::abs(raised - 20 * std::log10(1 / 0.7)) < 0.3, qPrintable(u"raised by %1 dB"_s.arg(raised)));
+        // By album the two are as loud as each other, and join without a sample gained or lost.
+        RealPlayer player(*m_tone, nextOutputPath());
+        player.engine().setLoudnessLevelling(LoudnessLevelling::ByAlbum);
+        player.play(u"rg0 rg1"_s);
+        QVERIFY(player.waitForEnd());
+        verifySeamless(player.output(), AudioFixture::concat({m_tone->part(0), m_tone->part(1)}));
+    }
+
+    void aChangedLevellingReachesTheSongPlaying()
+    {
+        // One song of three seconds, 6 dB too loud by its tags, levelled by track; levelling goes off a second in.
+        const QString folder = m_dir.filePath(u"long"_s);
+        QDir().mkpath(folder);
+        const std::optional<AudioFixture::Tone> tone = AudioFixture::makeTone(folder, 1, 3.0);
+        QVERIFY(tone);
+        QVERIFY(tagCopy(*tone, 0, u"quiet"_s, -6, -6));
+        RealPlayer player(*tone, nextOutputPath());
+        player.engine().setLoudnessLevelling(LoudnessLevelling::ByTrack);
+        player.play(u"quiet"_s);
+        QVERIFY(QTest::qWaitFor([&] { return player.engine().isStarted(); }, endTimeoutMs));
+        QTest::qWait(1000);
+        QVERIFY(player.controller().isPlaying());
+        player.engine().setLoudnessLevelling(LoudnessLevelling::Off);
+        QVERIFY(player.waitForEnd());
+        // The song's end sounds as the file is, not 6 dB down: the change reached the song playing. (Where it
+        // starts to be heard depends on how much the output had buffered.)
+        const std::vector<float> output = player.output();
+        const qsizetype second = AudioFixture::sampleRate;
+        QVERIFY(qsizetype(output.size()) > second);
+        const double end = levelDb(output, qsizetype(output.size()) - second / 2, second / 2);
+        const double file = levelDb(tone->samples, 0, qsizetype(tone->samples.size()));
+        QVERIFY2(std::abs(end - file) < 0.3, qPrintable(u"%1 dB at the end, %2 dB in the file"_s.arg(end).arg(file)));
+    }
+
     void aSongWithoutAFileStreamsFromTheServer()
     {
         FakeSubsonicServer server;
@@ -167,6 +258,7 @@ private Q_SLOTS:
         QVERIFY(player.waitForEnd());
         QVERIFY(server.count(u"stream"_s) >= 1);
         QCOMPARE(server.requests(u"stream"_s).first().value(u"id"_s), u"s"_s);
+        QCOMPARE(server.requests(u"stream"_s).first().value(u"format"_s), u"raw"_s);
         QVERIFY(!server.requests(u"stream"_s).first().value(u"t"_s).isEmpty());
         verifySeamless(player.output(), m_tone->part(1));
     }

@@ -238,9 +238,48 @@ private Q_SLOTS:
         QCOMPARE(namesAfterFixed(server->requests().last()), QStringList{u"albumId"_s});
         awaitTask(client.scrobble(u"s1"_s, ScrobbleKind::Played));
         QCOMPARE(server->requests().last().value(u"submission"_s), u"true"_s);
+        QVERIFY(!server->requests().last().names().contains(u"time"_s));
+        awaitTask(client.scrobble(u"s1"_s, ScrobbleKind::Played, 1'700'000'000'123));
+        QCOMPARE(server->requests().last().value(u"time"_s), u"1700000000123"_s);
 
         QVERIFY(!QUrlQuery(client.coverArtURL(u"c"_s)).hasQueryItem(u"size"_s));
         QCOMPARE(QUrlQuery(client.coverArtURL(u"c"_s, 256)).queryItemValue(u"size"_s), u"256"_s);
+    }
+
+    void aQueryPastTheLimitGoesAsAFormWithEveryParameterInOrder()
+    {
+        server->on(u"createPlaylist"_s, FakeSubsonicServer::json({}));
+        const SubsonicClient client = clientFor();
+        // Songs up to the one that takes the query past the limit (a salt and a token are always as long).
+        QStringList ids;
+        QList<QueryItem> params{{u"playlistId"_s, u"p1"_s}};
+        while (client.url(u"createPlaylist"_s, params).query(QUrl::FullyEncoded).size() <= SubsonicClient::maxQueryBytes) {
+            ids.append(QString::number(ids.size()));
+            params.append({u"songId"_s, ids.last()});
+        }
+        const QString tip = ids.takeLast();
+        awaitTask(client.replacePlaylistSongs(u"p1"_s, ids));
+        QCOMPARE(server->requests().last().method, u"GET"_s);
+        QCOMPARE(server->requests().last().values(u"songId"_s), ids);
+
+        ids.append(tip);
+        awaitTask(client.replacePlaylistSongs(u"p1"_s, ids));
+        const RecordedRequest posted = server->requests().last();
+        QCOMPARE(posted.method, u"POST"_s);
+        QCOMPARE(posted.endpoint, u"createPlaylist"_s);
+        QCOMPARE(posted.values(u"songId"_s), ids);
+        QCOMPARE(posted.value(u"u"_s), u"alice"_s);
+        QVERIFY(posted.names().contains(u"t"_s));
+        QVERIFY(posted.targetBytes < 100); // nothing in the address but the path
+
+        // Moved elsewhere: the form follows, whole, as a form.
+        server->enqueue(u"createPlaylist"_s, FakeResponse{.status = 301, .contentType = "text/html",
+                                                          .location = "/moved/rest/createPlaylist"});
+        awaitTask(client.replacePlaylistSongs(u"p1"_s, ids));
+        const RecordedRequest moved = server->requests().last();
+        QCOMPARE(moved.path, u"/moved/rest/createPlaylist"_s);
+        QCOMPARE(moved.method, u"POST"_s);
+        QCOMPARE(moved.values(u"songId"_s), ids);
     }
 
     void containersMayBeEmptyButNotMissing()

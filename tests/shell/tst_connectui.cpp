@@ -5,6 +5,7 @@
 #include "playback/playercontroller.h"
 #include "playback/sessionsnapshot.h"
 #include "server/appstate.h"
+#include "shell/preferences.h"
 #include "runningapp.h"
 
 #include <QDir>
@@ -141,7 +142,14 @@ private Q_SLOTS:
         QVERIFY(settings->findChild<QQuickItem *>(u"scrobbleSwitch"_s)->property("checked").toBool());
         QCOMPARE(settings->findChild<QQuickItem *>(u"settingsServer"_s)->property("text").toString(),
                  server.baseURL().toString());
+        // Levelling by album unless chosen otherwise; a choice is kept under "replayGain".
+        auto *levelling = settings->findChild<QQuickItem *>(u"volumeLevelling"_s);
+        QCOMPARE(levelling->property("currentText").toString(), u"By Album"_s);
+        QCOMPARE(unnamedControls(settings), QStringList());
         screenshot(settings, u"settings-signed-in"_s);
+        running->app.preferences()->setVolumeLevellingIndex(1);
+        QCOMPARE(levelling->property("currentText").toString(), u"By Track"_s);
+        QCOMPARE(running->app.settings()->value(u"replayGain"_s).toString(), u"track"_s);
         settings->close();
     }
 

@@ -117,6 +117,20 @@ void FakeSubsonicServer::accept()
     }
 }
 
+namespace {
+void appendPairs(const QByteArray &encoded, QList<std::pair<QString, QString>> &into)
+{
+    for (const QByteArray &pair : encoded.split('&')) {
+        if (pair.isEmpty())
+            continue;
+        const qsizetype equals = pair.indexOf('=');
+        const QByteArray name = equals < 0 ? pair : pair.left(equals);
+        const QByteArray value = equals < 0 ? QByteArray() : pair.mid(equals + 1);
+        into.append({QUrl::fromPercentEncoding(name), QUrl::fromPercentEncoding(value)});
+    }
+}
+}
+
 void FakeSubsonicServer::readRequest(QTcpSocket *socket)
 {
     QByteArray &buffer = m_buffers[socket];
@@ -125,26 +139,38 @@ void FakeSubsonicServer::readRequest(QTcpSocket *socket)
     if (headerEnd < 0)
         return;
     const QList<QByteArray> lines = buffer.left(headerEnd).split('\n');
+    qsizetype contentLength = 0;
+    bool isForm = false;
+    QByteArray rangeHeader;
+    for (const QByteArray &line : lines) {
+        const QByteArray lower = line.toLower();
+        if (lower.startsWith("range:"))
+            rangeHeader = line.mid(6).trimmed();
+        else if (lower.startsWith("content-length:"))
+            contentLength = line.mid(15).trimmed().toLongLong();
+        else if (lower.startsWith("content-type:"))
+            isForm = lower.contains("application/x-www-form-urlencoded");
+    }
+    // A body still on its way: wait for the rest.
+    if (buffer.size() < headerEnd + 4 + contentLength)
+        return;
+    const QByteArray body = buffer.mid(headerEnd + 4, contentLength);
     buffer.clear();
     const QList<QByteArray> requestLine = lines.value(0).trimmed().split(' ');
     const QByteArray target = requestLine.value(1);
 
     RecordedRequest request;
+    request.method = QString::fromLatin1(requestLine.value(0));
     const qsizetype question = target.indexOf('?');
     request.path = QUrl::fromPercentEncoding(target.left(question < 0 ? target.size() : question));
     request.endpoint = request.path.section(QLatin1Char('/'), -1);
-    if (question >= 0) {
-        for (const QByteArray &pair : target.mid(question + 1).split('&')) {
-            const qsizetype equals = pair.indexOf('=');
-            const QByteArray name = equals < 0 ? pair : pair.left(equals);
-            const QByteArray value = equals < 0 ? QByteArray() : pair.mid(equals + 1);
-            request.query.append({QUrl::fromPercentEncoding(name), QUrl::fromPercentEncoding(value)});
-        }
-    }
-    for (const QByteArray &line : lines) {
-        if (line.toLower().startsWith("range:"))
-            request.rangeHeader = line.mid(6).trimmed();
-    }
+    if (question >= 0)
+        appendPairs(target.mid(question + 1), request.query);
+    // A form's fields count as parameters, as servers read them.
+    if (isForm)
+        appendPairs(body, request.query);
+    request.rangeHeader = rangeHeader;
+    request.targetBytes = target.size();
     m_requests.append(request);
 
     const FakeResponse response = answerFor(request);
@@ -174,6 +200,8 @@ void FakeSubsonicServer::respond(QTcpSocket *socket, const FakeResponse &respons
     head += "Content-Type: " + response.contentType + "\r\n";
     const qint64 length = response.announcedLength >= 0 ? response.announcedLength : response.body.size();
     head += "Content-Length: " + QByteArray::number(length) + "\r\n";
+    if (!response.location.isEmpty())
+        head += "Location: " + response.location + "\r\n";
     head += "Connection: close\r\n\r\n";
     socket->write(head);
     if (response.dropAfterBytes >= 0) {

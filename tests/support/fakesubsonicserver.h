@@ -32,13 +32,17 @@ struct FakeResponse {
     qint64 announcedLength = -1;
     // Sends the body one byte at a time, this far apart.
     int trickleMs = 0;
+    // A "Location" header, for a redirect.
+    QByteArray location;
 };
 
 struct RecordedRequest {
+    QString method; // "GET" or "POST"
     QString endpoint; // the last path segment: "getAlbum"
     QString path;
-    QList<std::pair<QString, QString>> query; // decoded, in order
+    QList<std::pair<QString, QString>> query; // decoded, in order; a form body's fields after the URL's
     QByteArray rangeHeader;
+    qsizetype targetBytes = 0; // the length of the request line's address
 
     [[nodiscard]] QString value(const QString &name) const;
     [[nodiscard]] QStringList values(const QString &name) const;
