@@ -11,8 +11,9 @@ DIR/library.json), supysonic.conf, the sqlite database, caches and logs. The
 library is generated with ffmpeg only once; later runs reuse it.
 
 Supysonic only understands clear passwords, so a test-only WSGI shim turns
-token requests (t, s) from the fixture user into p=<password> requests; a
-wrong token is forwarded with a wrong password so Supysonic answers error 40.
+token requests (t, s) from the fixture user into p=<password> requests, in the
+query or in a form; a wrong token is forwarded with a wrong password so
+Supysonic answers error 40.
 
 Each start restores the freshly scanned database (same IDs, no playlists,
 stars or ratings left over) unless --keep-state is given.
@@ -27,6 +28,7 @@ SIGINT or EOF on stdin (unless --ignore-stdin is given).
 
 import argparse
 import hashlib
+import io
 import json
 import logging
 import math
@@ -270,21 +272,34 @@ def seed_demo_playlist(port, user, password):
 
 
 def token_shim(app, user, password):
-    """WSGI middleware: rewrite u/t/s token auth into u/p clear-password auth."""
+    """WSGI middleware: rewrite u/t/s token auth into u/p clear-password auth, in the query or in a form body."""
+    def rewrite(encoded):
+        parts = [p for p in encoded.split("&") if p]
+        values = {}
+        for part in parts:
+            key, _, value = part.partition("=")
+            values.setdefault(unquote_plus(key), unquote_plus(value))
+        if "t" not in values or "s" not in values:
+            return None
+        expected = hashlib.md5((password + values["s"]).encode("utf-8")).hexdigest()
+        good = values.get("u") == user and values["t"].lower() == expected
+        given = password if good else "wrong-token-" + password
+        kept = [p for p in parts if unquote_plus(p.partition("=")[0]) not in ("t", "s", "p")]
+        return "&".join(kept + ["p=" + quote(given, safe="")])
+
     def shim(environ, start_response):
-        query = environ.get("QUERY_STRING", "")
-        if environ.get("PATH_INFO", "").startswith("/rest/") and query:
-            parts = [p for p in query.split("&") if p]
-            values = {}
-            for part in parts:
-                key, _, value = part.partition("=")
-                values.setdefault(unquote_plus(key), unquote_plus(value))
-            if "t" in values and "s" in values:
-                expected = hashlib.md5((password + values["s"]).encode("utf-8")).hexdigest()
-                good = values.get("u") == user and values["t"].lower() == expected
-                given = password if good else "wrong-token-" + password
-                kept = [p for p in parts if unquote_plus(p.partition("=")[0]) not in ("t", "s", "p")]
-                environ["QUERY_STRING"] = "&".join(kept + ["p=" + quote(given, safe="")])
+        if environ.get("PATH_INFO", "").startswith("/rest/"):
+            query = environ.get("QUERY_STRING", "")
+            rewritten = rewrite(query) if query else None
+            if rewritten is not None:
+                environ["QUERY_STRING"] = rewritten
+            if environ.get("CONTENT_TYPE", "").startswith("application/x-www-form-urlencoded"):
+                length = int(environ.get("CONTENT_LENGTH") or 0)
+                body = environ["wsgi.input"].read(length).decode("latin-1")
+                rewritten = rewrite(body)
+                data = (rewritten if rewritten is not None else body).encode("latin-1")
+                environ["wsgi.input"] = io.BytesIO(data)
+                environ["CONTENT_LENGTH"] = str(len(data))
         return app(environ, start_response)
     return shim
 

@@ -68,19 +68,24 @@ Window {
             opacity: 0.6
             text: qsTr("Updates play counts on your server, and Last.fm/ListenBrainz if it is configured there.")
         }
-        RowLayout {
+        Label {
             Layout.fillWidth: true
-            Label {
-                Layout.fillWidth: true
-                text: qsTr("Volume Levelling")
-            }
-            ComboBox {
-                objectName: "volumeLevelling"
-                Accessible.name: qsTr("Volume Levelling")
-                // In the order of the setting's values: off, by track, by album.
+            text: qsTr("Volume Levelling")
+        }
+        RowLayout {
+            objectName: "volumeLevelling"
+            Layout.fillWidth: true
+            spacing: 12
+            // In the order of the setting's values: off, by track, by album.
+            Repeater {
                 model: [qsTr("Off"), qsTr("By Track"), qsTr("By Album")]
-                currentIndex: window.app.preferences.volumeLevellingIndex
-                onActivated: index => window.app.preferences.volumeLevellingIndex = index
+                RadioButton {
+                    required property int index
+                    required property string modelData
+                    text: modelData
+                    checked: window.app.preferences.volumeLevellingIndex === index
+                    onClicked: window.app.preferences.volumeLevellingIndex = index
+                }
             }
         }
         Label {

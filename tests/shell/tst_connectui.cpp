@@ -5,7 +5,6 @@
 #include "playback/playercontroller.h"
 #include "playback/sessionsnapshot.h"
 #include "server/appstate.h"
-#include "shell/preferences.h"
 #include "runningapp.h"
 
 #include <QDir>
@@ -143,12 +142,22 @@ private Q_SLOTS:
         QCOMPARE(settings->findChild<QQuickItem *>(u"settingsServer"_s)->property("text").toString(),
                  server.baseURL().toString());
         // Levelling by album unless chosen otherwise; a choice is kept under "replayGain".
-        auto *levelling = settings->findChild<QQuickItem *>(u"volumeLevelling"_s);
-        QCOMPARE(levelling->property("currentText").toString(), u"By Album"_s);
+        const auto levellingChoices = [settings] {
+            QStringList checked;
+            for (QQuickItem *item : itemsUnder(settings->findChild<QQuickItem *>(u"volumeLevelling"_s))) {
+                if (item->inherits("QQuickRadioButton") && item->property("checked").toBool())
+                    checked.append(item->property("text").toString());
+            }
+            return checked;
+        };
+        QCOMPARE(levellingChoices(), QStringList{u"By Album"_s});
         QCOMPARE(unnamedControls(settings), QStringList());
         screenshot(settings, u"settings-signed-in"_s);
-        running->app.preferences()->setVolumeLevellingIndex(1);
-        QCOMPARE(levelling->property("currentText").toString(), u"By Track"_s);
+        for (QQuickItem *item : itemsUnder(settings->findChild<QQuickItem *>(u"volumeLevelling"_s))) {
+            if (item->inherits("QQuickRadioButton") && item->property("text").toString() == u"By Track"_s)
+                QTest::mouseClick(settings, Qt::LeftButton, {}, item->mapToScene({8, item->height() / 2}).toPoint());
+        }
+        QCOMPARE(levellingChoices(), QStringList{u"By Track"_s});
         QCOMPARE(running->app.settings()->value(u"replayGain"_s).toString(), u"track"_s);
         settings->close();
     }
