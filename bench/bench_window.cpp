@@ -1,9 +1,9 @@
 // The main window on a real X server. Opening the Downloads screen with a large offline library: from selecting
 // Downloads in the sidebar to the first frame that shows it, with 200 albums and playlists and 10,000 songs in
 // the manifest. Flicking through a grid of 2,000 albums with their covers cached: the frames' 95th percentile from
-// a scroll step to its frame. Then a local file playing with the window, its playback bar and the Downloads page on screen: the CPU time the whole
-// process takes per minute, and the frames drawn per second with nothing else changing. Run inside
-// scripts/test-env.sh --keyring --display --sound.
+// a scroll step to its frame. Then a local file playing with the window, its playback bar and the Downloads page
+// on screen: the CPU time the whole process takes per minute, and the frames drawn per second with nothing else
+// changing. Run inside scripts/test-env.sh --keyring --display --sound.
 
 #include "benchmark.h"
 #include "benchwindow.h"
