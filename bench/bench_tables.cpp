@@ -26,9 +26,7 @@
 #include <QTest>
 
 #include <QFile>
-#include <QMutex>
 
-#include <atomic>
 #include <clocale>
 #include <cstdio>
 
@@ -64,44 +62,6 @@ std::optional<double> anonymousMemoryMb()
     }
     return std::nullopt;
 }
-
-// Frame times from the start of a frame's preparation on the main thread, where new rows are made, to the end of
-// its rendering, without the wait for the display's next refresh.
-class FrameTimes
-{
-public:
-    explicit FrameTimes(QQuickWindow *window)
-    {
-        m_clock.start();
-        m_started = QObject::connect(window, &QQuickWindow::afterAnimating, window,
-                                     [this] { m_frameStart = m_clock.nsecsElapsed(); }, Qt::DirectConnection);
-        m_rendered = QObject::connect(window, &QQuickWindow::afterRendering, window, [this] {
-            const qint64 start = m_frameStart.exchange(-1);
-            if (start >= 0) {
-                QMutexLocker lock(&m_lock);
-                m_times.push_back(double(m_clock.nsecsElapsed() - start) / 1e6);
-            }
-        }, Qt::DirectConnection);
-    }
-    ~FrameTimes()
-    {
-        QObject::disconnect(m_started);
-        QObject::disconnect(m_rendered);
-    }
-    [[nodiscard]] std::vector<double> times()
-    {
-        QMutexLocker lock(&m_lock);
-        return m_times;
-    }
-
-private:
-    QElapsedTimer m_clock;
-    std::atomic<qint64> m_frameStart{-1};
-    QMutex m_lock;
-    std::vector<double> m_times;
-    QMetaObject::Connection m_started;
-    QMetaObject::Connection m_rendered;
-};
 
 // The table's cells on screen; a view's delegates are found through the scene, not as QObject children.
 int shownCells(QQuickItem *item)

@@ -31,11 +31,9 @@
 #include <QQuickWindow>
 #include <QSettings>
 #include <QProcess>
-#include <QMutex>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <atomic>
 #include <clocale>
 #include <sys/resource.h>
 
@@ -201,30 +199,16 @@ int main(int argc, char *argv[])
         QTest::qWait(40);
     }
     QTest::qWait(500);
-    // A frame's time: from the start of its preparation on the main thread (new cells are made then) to the end
-    // of its rendering, without the wait for the display's next refresh.
     std::vector<double> scrollFrames;
-    QMutex framesLock;
-    QElapsedTimer clock;
-    clock.start();
-    std::atomic<qint64> frameStart{-1};
-    const auto started = QObject::connect(window, &QQuickWindow::afterAnimating, window, [&] {
-        frameStart = clock.nsecsElapsed();
-    }, Qt::DirectConnection);
-    const auto rendered = QObject::connect(window, &QQuickWindow::afterRendering, window, [&] {
-        const qint64 start = frameStart.exchange(-1);
-        if (start >= 0) {
-            QMutexLocker lock(&framesLock);
-            scrollFrames.push_back(double(clock.nsecsElapsed() - start) / 1e6);
+    {
+        FrameTimes timing(window);
+        // A flick's pace: 40 more points each sixtieth of a second.
+        for (double y = 0; y < end; y += 40) {
+            grid->setProperty("contentY", y);
+            QTest::qWait(16);
         }
-    }, Qt::DirectConnection);
-    // A flick's pace: 40 more points each sixtieth of a second.
-    for (double y = 0; y < end; y += 40) {
-        grid->setProperty("contentY", y);
-        QTest::qWait(16);
+        scrollFrames = timing.times();
     }
-    QObject::disconnect(started);
-    QObject::disconnect(rendered);
     report("album_grid_scroll_frame_p95_ms", percentile95(scrollFrames), "ms");
     if (qEnvironmentVariableIsSet("VELTO_BENCH_DETAIL")) {
         std::sort(scrollFrames.begin(), scrollFrames.end());

@@ -8,10 +8,12 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QMutex>
 #include <QQuickWindow>
 #include <QSettings>
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
 #include <vector>
 
@@ -70,3 +72,41 @@ bool waitFor(Condition &&condition, int ms = 10'000)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
     return condition();
 }
+
+// Frame times from the start of a frame's preparation on the main thread, where new rows and cells are made, to
+// the end of its rendering, without the wait for the display's next refresh.
+class FrameTimes
+{
+public:
+    explicit FrameTimes(QQuickWindow *window)
+    {
+        m_clock.start();
+        m_started = QObject::connect(window, &QQuickWindow::afterAnimating, window,
+                                     [this] { m_frameStart = m_clock.nsecsElapsed(); }, Qt::DirectConnection);
+        m_rendered = QObject::connect(window, &QQuickWindow::afterRendering, window, [this] {
+            const qint64 start = m_frameStart.exchange(-1);
+            if (start >= 0) {
+                QMutexLocker lock(&m_lock);
+                m_times.push_back(double(m_clock.nsecsElapsed() - start) / 1e6);
+            }
+        }, Qt::DirectConnection);
+    }
+    ~FrameTimes()
+    {
+        QObject::disconnect(m_started);
+        QObject::disconnect(m_rendered);
+    }
+    [[nodiscard]] std::vector<double> times()
+    {
+        QMutexLocker lock(&m_lock);
+        return m_times;
+    }
+
+private:
+    QElapsedTimer m_clock;
+    std::atomic<qint64> m_frameStart{-1};
+    QMutex m_lock;
+    std::vector<double> m_times;
+    QMetaObject::Connection m_started;
+    QMetaObject::Connection m_rendered;
+};
